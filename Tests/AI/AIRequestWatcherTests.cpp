@@ -38,7 +38,7 @@ TEST_F(AIRequestWatcherTest, requestsAreAnsweredOldestFirstOneAtATimeFiveInABatc
     EXPECT_EQ(m_lumo.model.asked[0].prompt + m_lumo.model.asked[0].instructions, "prompt 7");
     EXPECT_TRUE(cell("SELECT claimed_by FROM ai_requests WHERE id='7';").startsWith("Corvane:"));
     ask("0", 130'000);
-    tick(); // dropped, its look at stale rows too
+    tick(); // skipped while a request is in flight, including the check for stale rows
     EXPECT_EQ(cell("SELECT status FROM ai_requests WHERE id='0';"), "pending");
     m_lumo.model.willFail("no words today");
     for (const char* text : { "five", "four", "three" })
@@ -103,7 +103,7 @@ TEST_F(AIRequestWatcherTest, aRequestThatACrashLeftClaimedRunsOnceMoreAndNoOften
     auto watcher = std::make_unique<AIRequestWatcher>(*m_db, m_lumo.ai, m_clock);
     watcher->start();
     EXPECT_EQ(rows(), (QStringList { "behind|processing|-|-", "crashed|done|at last|-", "limit|pending|-|-" }));
-    watcher.reset(); // the program ends
+    watcher.reset(); // as when the program exits
     EXPECT_TRUE(slow.hasArrived());
     EXPECT_EQ(rows().first(), "behind|processing|-|-");
 }

@@ -12,7 +12,7 @@ namespace {
 
 const DraftExpectation expected { "draft_reply", "warm", { "M1", "M2" }, {} };
 
-/// What a well-behaved model answers.
+/// A valid model response.
 QString answer(const QString& draft, const QString& metadata = {})
 {
     return u"{\"draft\":\"%1\",\"metadata\":{\"intent\":\"i\",\"tone\":\"t\",\"language\":\"en\","

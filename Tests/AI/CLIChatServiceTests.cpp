@@ -20,7 +20,7 @@ namespace {
 
 const QString child = QStringLiteral("\"" CORVANE_TEST_PROGRAMS "/ChildProgram\" ");
 
-/// A real child process that plays the tool: a shell script, in which "$8" is the file for the answer.
+/// Uses a real child process in place of the tool: a shell script, where "$8" is the output file for the answer.
 class Codex : public testing::Test {
 protected:
     Codex()
@@ -41,7 +41,7 @@ protected:
         QFile::setPermissions(home.path(path), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
 
-    /// The answer, or the words of the failure.
+    /// The answer, or the error message.
     QString answerTo(const QString& prompt = u"p"_s)
     {
         const auto result = outcome(service.respond("i", prompt, cancel));
@@ -50,8 +50,8 @@ protected:
                                    : QString();
     }
 
-    /// How many of the processes that were started here still run: each names the home in its command line, which
-    /// goes with its end, even while nobody has asked for its status.
+    /// The number of processes started here that are still running. Each has the home path in its command line, which
+    /// disappears on exit, even before the process is reaped.
     int running()
     {
         int count = 0;
@@ -64,7 +64,7 @@ protected:
     }
 
     TemporaryHome home;
-    const QString sleeper = home.path("sleeper"); ///< a program that takes the seconds that it stays
+    const QString sleeper = home.path("sleeper"); ///< a program that sleeps for the given number of seconds
     CancelHandle cancel;
     std::unique_ptr<ToolRunner> tools = makeToolRunner();
     CLIChatService service { *tools, { home.path(".npm-global/bin/codex"), home.path("second/codex") } };
@@ -110,13 +110,13 @@ TEST_F(Codex, everyOtherEndIsAFailureInWords)
     };
     const Case cases[] {
         { "exit 0", "exit 0" }, // no file
-        { "printf ' \\n\\t ' > \"$8\"", "exit 0" }, // a blank one
-        { "printf '\\377' > \"$8\"", "exit 0" }, // one that is no text
+        { "printf ' \\n\\t ' > \"$8\"", "exit 0" }, // blank
+        { "printf '\\377' > \"$8\"", "exit 0" }, // not valid UTF-8
         { "mkfifo \"$8\"; rm \"$8\"; mkdir \"$8\"; exit 0", "exit 0" },
         { "printf answer > \"$8\"; exit 3", "exit 3" },
         { "printf answer > \"$8\"; kill -9 $$", "exit 9" },
         { "truncate -s 1G \"$8\"", "the answer is larger than 4 MB" },
-        // A pipe of 64 KiB is full long before standard output is closed.
+        // A pipe of 64 KiB fills up long before standard output is closed.
         { "exec " + child + "errors 'repeat 10000000 e' 'exit 4'", "exit 4" },
         { "exec " + child + "'repeat 10000000 o' errors 'repeat 10000000 e' 'exit 5'", "exit 5" },
     };
@@ -167,7 +167,7 @@ TEST_F(Codex, cancellingKillsTheToolAndAllThatItStarted)
         { one + end + "flood", 2 },
         { one + end + "errors flood", 2 },
         { "i=0; while [ $i -lt 200 ]; do " + one + "i=$((i+1)); done; wait", 201 },
-        // Each takes another way out of the group.
+        // Each escapes the process group in a different way.
         { "setsid " + one + "setsid " + sleeper + " 100 >/dev/null 2>&1 & (setsid " + one + ") ; wait", 4 },
         { "setsid sh -c '" + sleeper + " 100 & wait' >/dev/null 2>&1 & wait", 3 },
     };

@@ -6,7 +6,7 @@ using namespace corvane;
 
 namespace {
 
-/// A machine on which everything speaks against local work.
+/// A machine on which every check fails.
 FakeMachineFacts worstMachine()
 {
     FakeMachineFacts machine;

@@ -165,7 +165,7 @@ TEST_F(LumoDraftServiceTest, whoeverGoesAwayMeanwhileGetsNoDraft)
     EXPECT_EQ((*orphan)->error().message, "Cancelled.");
 }
 
-/// Line by line: where the harmless prompt has its mark, the other one may say anything; all else is the frame.
+/// Compares line by line: the hostile prompt may have any text where the harmless one has "¤"; the rest must be equal.
 void expectSameFrame(const QString& hostile, const QString& harmless)
 {
     const QStringList lines = hostile.split(u'\n');
@@ -183,14 +183,14 @@ void expectSameFrame(const QString& hostile, const QString& harmless)
 TEST_F(LumoDraftServiceTest, hostileTextNeitherBreaksAPromptNorActs)
 {
     m_service->setMemoryDB(*m_db);
-    // Everything that is ever asked about a person of whom everything says `text`.
+    // All requests about a person whose every field is `text`.
     const auto askAll = [&](const QString& text, bool sends) {
         m_person = { "ct:1", text, { "WHATSAPP" }, { { "EMAIL", text, text, text } }, { { "n1", text, 0 } } };
         m_db->run("INSERT OR REPLACE INTO work_memory_entries VALUES('m','owner',?,'1'),('n','contact:ct:1',?,'1');",
             { text, text });
         const QList<UnifiedMsgRow> thread { message(text), message(text) };
         m_lumo.model.asked.clear();
-        // The worst model does as it was told.
+        // The worst case: the model follows the injected instructions.
         m_lumo.model.willAnswer(guided(text, sends));
         for (int times = 0; times < 3; ++times)
             m_lumo.model.willAnswer(text);

@@ -7,7 +7,7 @@ namespace corvane {
 
 class TranslationServiceTest : public testing::Test {
 protected:
-    /// What the caller hears, in its order.
+    /// Records what the caller receives, in order.
     void translate(const QString& text, const QString& language, CancelHandle cancel = {})
     {
         [](TranslationServiceTest* self, QString text, QString language, CancelHandle cancel) -> QCoro::Task<> {

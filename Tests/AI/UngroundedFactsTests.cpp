@@ -12,11 +12,11 @@ using namespace corvane;
 
 namespace {
 
-/// One conversation and the drafts that answer it.
+/// A conversation with candidate replies.
 struct Scene {
     LumoDraftCRMContext contact;
     QList<UnifiedMsgRow> messages;
-    QStringList drafts; ///< what stands in braces was planted
+    QStringList drafts; ///< invented facts are in braces
 
     QString context() const
     {
@@ -25,8 +25,8 @@ struct Scene {
     }
 };
 
-/// "@" begins a scene with the contact's name, "<" and ">" are messages in and out, "#" a note, "-" a draft
-/// that states nothing new and "+" one that does.
+/// File format: "@" starts a scene with the contact's name, "<" and ">" are incoming and outgoing messages, "#" is a
+/// note, "-" a draft without invented facts and "+" one with some.
 QList<Scene> scenes(const QString& name)
 {
     QFile file(QStringLiteral(CORVANE_SOURCE "/Tests/AI/drafts/") + name);
@@ -114,7 +114,7 @@ TEST(UngroundedFacts, plantedFactsAreFoundAndHonestDraftsStayQuiet)
 TEST(UngroundedFacts, aFactInAnotherWritingIsTheSameFact)
 {
     const std::initializer_list<std::array<const char*, 3>> cases {
-        // context, draft, what is named
+        // context, draft, ungrounded facts
         { "See you 2026-03-14 at 15:00", "March 14, 3 pm, 14.3., 14/03/2026", "" },
         { "See you 2026-03-14 at 15:00", "March 14, 2027 at 4 pm", "March 14, 2027|4 pm" },
         { "It is EUR 1,250.00", "1.250 € or 1250 euros", "" },

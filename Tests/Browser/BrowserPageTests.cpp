@@ -9,7 +9,7 @@ namespace corvane {
 
 namespace {
 
-/// A view whose page is played.
+/// A view with a fake page connection.
 class PlayedBrowser : public BrowserTest {
 protected:
     PlayedBrowser() { view->browser()->adopt(page); }
@@ -30,7 +30,7 @@ protected:
         page->say(u"Runtime.bindingCalled"_s,
             { { u"name"_s, u"corvaneStep"_s }, { u"payload"_s, QString::fromUtf8(QJsonDocument(report).toJson()) } });
     }
-    /// To the last call of that method.
+    /// Answers the last call of `method`.
     void answer(const QString& method, const QJsonObject& result)
     {
         const qsizetype call = page->methods().lastIndexOf(method);
@@ -44,7 +44,7 @@ protected:
     bool submit()
     {
         view->sheet()->submit();
-        m_clock.advance(seconds(3)); // the page does not say what stands in its password fields
+        m_clock.advance(seconds(3)); // the page does not report its password fields, so the time limit applies
         return await([&] { return !view->sheet()->busy(); });
     }
 
@@ -111,7 +111,7 @@ TEST_F(PlayedBrowser, everyFrameIsAcknowledgedAndTheNewestPictureIsShown)
     ASSERT_TRUE(await([&] { return surface.frameImage().width() == 300; }));
     EXPECT_EQ(surface.viewportSize(), QSizeF(300, 100)) << "without metadata the picture tells";
 
-    // The view is twice as high as the frame needs: letters above and below.
+    // The view is twice as high as the frame needs, so the frame is letterboxed above and below.
     surface.clickBrowser({ 300, 250 }, { 600, 400 });
     const QJsonObject press = page->sent.at(page->sent.size() - 2);
     EXPECT_EQ(press["params"_L1]["type"_L1].toString(), u"mousePressed"_s);
@@ -255,7 +255,7 @@ TEST_F(PlayedBrowser, aBugIsFiledWithoutItsEvidenceWhereTheDiskTakesNone)
     view->sheet()->setNote(u"why"_s);
     QDir().mkpath(view->browser()->evidenceRoot());
     QFile blocker(evidenceFolder(view->browser()->evidenceRoot(), u"shop"_s));
-    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly)); // where the folder would be
+    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly)); // blocks the folder's path
     EXPECT_TRUE(submit());
     EXPECT_EQ(table(u"SELECT kind, status, priority, owner, source, summary FROM work_item;"_s),
         QStringList { u"bug|open|high|unassigned|browser-manual|Manual Browser bug report.\nURL: about:blank\n"

@@ -16,7 +16,7 @@
 
 namespace corvane {
 
-/// A browser view over a database of its own, for a project, and the means to start a real browser.
+/// A browser view with its own database and a project, and helpers to start a real browser.
 class BrowserTest : public StoreTest {
 protected:
     BrowserTest()
@@ -42,7 +42,7 @@ protected:
         return view;
     }
 
-    /// The clock goes as fast as the world, so that a real browser meets the limits that it would meet.
+    /// Advances the clock in real time, so that a real browser is subject to the real timeouts.
     bool awaitLive(const std::function<bool()>& condition)
     {
         QElapsedTimer world;
@@ -56,7 +56,7 @@ protected:
         });
     }
 
-    /// Everything that was written for the evidence and into the database.
+    /// The contents of all files that were written, except the browser's profile.
     QByteArray everythingWritten() const
     {
         QByteArray all;

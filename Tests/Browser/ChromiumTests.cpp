@@ -39,7 +39,7 @@ onmouseup = () => { if (String(getSelection())) note('chose:' + getSelection());
 onkeydown = e => { if (e.ctrlKey && e.key === 'a') note('all'); };
 </script>)";
 
-/// A real browser, without a window and, since the tests may run as root, without its sandbox.
+/// A real browser, headless and without its sandbox, since the tests may run as root.
 class Chromium : public BrowserTest {
 protected:
     Chromium()
@@ -56,12 +56,12 @@ protected:
     {
         view.setAddress(web.base() + path);
         view.open();
-        // The first frames may be of the page before, in the size of the browser's window.
+        // The first frames may still show the previous page, in the size of the browser's window.
         return awaitLive([&] {
             return view.browser()->page().hasLoaded() && view.browser()->surface()->viewportSize() == QSizeF(1280, 800);
         });
     }
-    /// Until the value of the expression contains `part`.
+    /// Waits until the value of the expression contains `part`.
     bool awaitPage(BrowserView& view, const QString& expression, const QString& part)
     {
         struct Look {
@@ -79,7 +79,7 @@ protected:
             return look->value.contains(part);
         });
     }
-    /// The pages of these tests tell by their titles what they noticed.
+    /// The test pages report what they observed in their titles.
     bool awaitTitle(BrowserView& view, const QString& part) { return awaitPage(view, u"document.title"_s, part); }
     void type(BrowserView& view, const QString& text)
     {
@@ -111,7 +111,7 @@ TEST_F(Chromium, aPageThatFailsInThreeWaysIsFiledWithItsProofAndPlayedAgain)
         QFile::Permissions());
     EXPECT_TRUE(awaitLive([&] { return cell(u"SELECT status FROM dev_browser_session;"_s) == u"live"_s; }));
 
-    // The browser gives the focus with the first frame, behind the load event.
+    // The browser sets the focus with the first frame, after the load event.
     ASSERT_TRUE(awaitPage(*view, u"document.activeElement.name"_s, u"q"_s));
     type(*view, u"boots"_s);
     press(*view, Qt::Key_Tab);
@@ -164,7 +164,7 @@ TEST_F(Chromium, aPersonTypesScrollsDragsAndFindsTheWayBack)
     const QSizeF size = surface.viewportSize();
     using Kind = BrowserPointer::Kind;
     surface.clickBrowser({ 50, 50 }, size);
-    // Keys go to the page on a shorter way than the pointer.
+    // Key events reach the page faster than pointer events, so wait for the click.
     ASSERT_TRUE(awaitPage(*view, u"document.activeElement.tagName"_s, u"TEXTAREA"_s));
     type(*view, u"ab"_s);
     press(*view, Qt::Key_Return);

@@ -13,7 +13,7 @@ class MergeSuggestions : public StoreTest {
 protected:
     MergeSuggestions() { open(); }
 
-    /// Somebody who wrote once, on an account named after the channel. Returns the contact's id.
+    /// A person with one conversation, on an account named after the channel. Returns the contact's id.
     QString person(const char* channel, const char* handle, const char* name)
     {
         const QString id = contactId(channel, handle);
@@ -21,7 +21,7 @@ protected:
         return id;
     }
 
-    /// "a+b by signal", the ids without "ct:", in the order of the suggestions.
+    /// The suggestions in order, as "a+b by signal" with the ids without "ct:".
     QStringList suggestions(int limit = 20, const QString& touching = {})
     {
         QStringList result;
@@ -55,7 +55,7 @@ TEST_F(MergeSuggestions, aPairIsSuggestedOnceUnderItsStrongestSignal)
 TEST_F(MergeSuggestions, aNameIsComparedByItsLettersAlone)
 {
     person("SMS", "1", "José");
-    person("SMS", "2", "JOSE\xCC\x81"); // the accent as a character of its own
+    person("SMS", "2", "JOSE\xCC\x81"); // with a combining accent
     person("SMS", "3", "Ann Lee");
     person("SMS", "4", "Annlee!");
     person("SMS", "5", "\xD0\x98\xD1\x80\xD0\xB0"); // Cyrillic

@@ -18,7 +18,7 @@ inline qint64 at(const char* local)
     return QDateTime::fromString(QString::fromLatin1(local), u"yyyy-MM-dd HH:mm"_s).toMSecsSinceEpoch();
 }
 
-/// The folders of a calendar and the database that mirrors them, with a clock that stands.
+/// A calendar's folders and the database that mirrors them, on a virtual clock.
 class CalendarTest : public StoreTest {
 protected:
     CalendarTest()
@@ -46,7 +46,7 @@ protected:
         return *m_store;
     }
 
-    /// Waits for what threads and the kernel tell, with the clock going on.
+    /// Waits for background threads and file notifications while advancing the clock.
     bool awaitEvents(const QStringList& titles)
     {
         return await([&] {
@@ -60,7 +60,7 @@ protected:
 
     const QString m_folder = QFileInfo(m_home.paths().applicationSupport).path() + u"/calendars/work/"_s;
     std::unique_ptr<CalendarSource> m_source { makeCalendarSource(m_home.paths()) };
-    FakeCalendarSource m_fake; ///< outlives what runs in the background
+    FakeCalendarSource m_fake; ///< must outlive `m_background`
     BackgroundQueue m_background;
     std::unique_ptr<CalendarStore> m_store;
 };

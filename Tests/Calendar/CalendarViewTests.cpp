@@ -21,7 +21,7 @@ CalEvent event(const char* title, const char* from, const char* to, bool allDay 
     return event;
 }
 
-/// "title day top height lane/lanes", a line each.
+/// One line per block: "title day top height lane/lanes".
 QStringList placed(const QList<EventBlock>& blocks)
 {
     QStringList lines;
@@ -116,7 +116,7 @@ TEST_F(CalendarPage, aPersonConnectsMakesACalendarAddsAnEventJoinsAndMovesOn)
     EXPECT_TRUE(view.tiles()->layout().blocks.first().joinable) << "from ten minutes before";
     view.join(view.selected());
     EXPECT_EQ(desktop.opened, QList<QUrl> { QUrl(u"https://meet.example/a"_s) });
-    view.step(20); // beyond the mirror
+    view.step(20); // outside the mirrored range
     EXPECT_TRUE(view.tiles()->layout().blocks.isEmpty());
     EXPECT_EQ(add({ { u"title"_s, u"Far"_s }, { u"day"_s, u"2027-03-01"_s } }), QString());
     EXPECT_TRUE(awaitShown("Far"));

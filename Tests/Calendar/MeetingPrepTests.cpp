@@ -83,7 +83,7 @@ TEST_F(Prep, aBriefMadeAheadComesFromThisMachineAndProposesOnlyOnceItIsOpened)
     MeetingPrep prep({ *m_db, lumo });
     lumo.machine.now.physicalMemoryBytes = 32ULL << 30;
     lumo.model.elsewhere = true;
-    prep.prepareAhead(event); // a question would fail the test
+    prep.prepareAhead(event); // a request to the model would fail the test
     lumo.model.elsewhere = false;
     lumo.model.willAnswer(u"Suggested goal: follow up"_s);
     prep.prepareAhead(event);

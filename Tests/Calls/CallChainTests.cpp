@@ -19,7 +19,7 @@ namespace {
 
 const QString spoken = u"/usr/share/pocketsphinx/test/data/librivox/sense_and_sensibility_01_austen_64kb-"_s;
 
-/// A person, or a loudspeaker, until they have spoken.
+/// Plays a recording on the sink as a person or a loudspeaker would, and waits until it ends.
 bool speaks(const QString& number, const QString& sink)
 {
     QProcess player;
@@ -27,7 +27,7 @@ bool speaks(const QString& number, const QString& sink)
     return player.waitForStarted() && await([&] { return player.state() == QProcess::NotRunning; });
 }
 
-/// All that makes notes of a call, as it is: the sound server, the recognisers, a model behind its server.
+/// The whole chain from a call to its notes: the sound server, the recognisers and a model behind its server.
 class CallChainTest : public CallTest {
 protected:
     CallChainTest()
@@ -42,7 +42,7 @@ protected:
                 { "done", true }, { "done_reason", "stop" } }));
     }
 
-    /// Twice as patient as `await`: recognition takes its time on a busy machine.
+    /// Waits twice as long as `await`: recognition is slow on a busy machine.
     static bool awaitWork(const std::function<bool()>& isDone) { return await(isDone) || await(isDone); }
 
     void recordBothSides()

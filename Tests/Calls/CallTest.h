@@ -80,7 +80,7 @@ protected:
     FakeSleepInhibitor sleep;
     FakeLumo lumo;
     Outcomes says;
-    QHash<QString, Arrival<bool>> arrivals; ///< tracks whose transcript comes later
+    QHash<QString, Arrival<bool>> arrivals; ///< tracks whose transcript arrives later
     QStringList heard;
     SpeechModelStore models { m_home.paths().applicationSupport, m_defaults, m_clock };
     std::optional<RecordedCalls> recorded;

@@ -24,7 +24,7 @@ protected:
         m_clock.advance(std::chrono::hours(24 * 365));
     }
 
-    /// A call of both sides, transcribed and summed up.
+    /// Records a call on both sides, with transcript and summary.
     QString record(const QString& title)
     {
         recorder->setSystemAudioEnabled(true);

@@ -26,7 +26,7 @@ protected:
         automatic->start();
     }
 
-    /// A meeting from so many seconds from now on.
+    /// A meeting that starts in `inSeconds` seconds.
     CalendarEntry meeting(const QString& title, qint64 inSeconds, qint64 lastsSeconds, const QString& with = "Somebody")
     {
         CalendarEntry entry;
@@ -45,7 +45,7 @@ protected:
         ASSERT_TRUE(await([&] { return calendar.events().size() == entries.size(); }));
     }
 
-    /// Lets so much time pass, and the microphone be granted where it is asked for.
+    /// Advances the clock, and grants microphone access if it was requested.
     QString after(qint64 secondsFromNow)
     {
         m_clock.advance(seconds(secondsFromNow));

@@ -179,7 +179,7 @@ TEST_F(Backups, whatIsDamagedOrLeadsElsewhereIsRefused)
     progress->stopped = true;
     EXPECT_EQ(messageOf(backUp()), "Stopped.");
     QFile(file()).open(QIODevice::ReadOnly);
-    EXPECT_EQ(m_home.read("shop.tar").size(), content.size()); // the older one stands
+    EXPECT_EQ(m_home.read("shop.tar").size(), content.size()); // the previous backup is kept
 }
 
 TEST_F(Backups, oneADayIsMadeAndSevenAreKept)

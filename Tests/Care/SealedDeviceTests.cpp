@@ -19,7 +19,7 @@ QByteArray sealed(const QByteArray& content, const QString& passphrase)
     return file.data();
 }
 
-/// The content, or what is wrong.
+/// The content, or the error message.
 QByteArray opened(QByteArray file, const QString& passphrase)
 {
     QBuffer buffer(&file);
@@ -44,11 +44,11 @@ QByteArray opened(QByteArray file, const QString& passphrase)
 
 TEST(SealedDevice, opensOnlyWholeAndOnlyWithItsPassphrase)
 {
-    const QByteArray content = QByteArray("row ").repeated(40'000); // two blocks and a bit
+    const QByteArray content = QByteArray("row ").repeated(40'000); // more than two blocks
     const QByteArray file = sealed(content, u"grüne Fliesen"_s);
     EXPECT_FALSE(file.contains("row row"));
     EXPECT_EQ(opened(file, u"grüne Fliesen"_s), content);
-    EXPECT_EQ(opened(file, u"gru\u0308ne Fliesen"_s), content); // as another keyboard spells it
+    EXPECT_EQ(opened(file, u"gru\u0308ne Fliesen"_s), content); // with a combining umlaut, as some keyboards type it
     EXPECT_EQ(opened(file, u"green tiles"_s), "The passphrase is wrong, or the file is damaged.");
     const QByteArray incomplete = "The file is damaged or incomplete.";
     constexpr qsizetype block = 65536 + 17;
@@ -59,6 +59,6 @@ TEST(SealedDevice, opensOnlyWholeAndOnlyWithItsPassphrase)
     swapped[beginning + block + 5] = char(swapped[beginning + block + 5] ^ 1);
     EXPECT_EQ(opened(swapped, u"grüne Fliesen"_s), incomplete);
     QByteArray greedy = file;
-    greedy.replace(17 + 16 + 8, 8, QByteArray(8, '\x7f')); // asks for more memory than there is
+    greedy.replace(17 + 16 + 8, 8, QByteArray(8, '\x7f')); // requests more memory than there is
     EXPECT_EQ(opened(greedy, u"grüne Fliesen"_s), "The beginning of the file is damaged.");
 }

@@ -52,7 +52,7 @@ TEST_F(ReplyDraftsTest, aReplyQueuesInApprovalsAndEachFailureIsTold)
     lumo.model.setAvailable();
     const auto answer = lumo.model.willAnswerLater();
     replies.draft(row);
-    replies.draft(row); // one at a time
+    replies.draft(row); // ignored while one is in progress
     EXPECT_TRUE(replies.state(row.conversationId).isBusy);
     replies.forgetDone();
     EXPECT_EQ(said(), "Drafting…");

@@ -35,7 +35,7 @@ QString roleOf(const QString& command, const QString& arguments)
 
 class Monitor : public testing::Test {
 protected:
-    /// Until the next reading is there.
+    /// Waits for the next reading.
     void waitForReading()
     {
         const qint64 before = monitor.snapshot().updatedAtMs;
@@ -136,7 +136,7 @@ TEST_F(Monitor, aSecondStartLeavesOneTimerAndAReadingRunsAlone)
 
 TEST_F(Monitor, aProcessEndsOnlyAfterTheQuestionAndLeavesTheList)
 {
-    // What this program starts itself is protected, but not what that starts.
+    // Direct children of this program are protected, but not their children.
     QProcess shell;
     shell.start("bash", { "-c", "(exec -a claude sleep 1000) & echo $!; wait" });
     ASSERT_TRUE(await([&] { return shell.canReadLine(); }));

@@ -13,7 +13,7 @@
 
 namespace corvane {
 
-/// The room over a real database and real shells.
+/// The Dev hub with a real database and real shells.
 class DevTest : public WorkTest {
 protected:
     DevDesk desk(const WorkConsoleContext& console = WorkConsoleContext::dev())
@@ -26,7 +26,7 @@ protected:
             .console = console };
     }
 
-    /// In front, and listed.
+    /// Inserts an active project and returns its id.
     QString project(const QString& name, const QString& repo = {}, const QString& host = {})
     {
         OpsProjectRow row;

@@ -37,7 +37,7 @@ TEST_F(Projects, theMirrorKeepsWhatStandsBelowTheLogWhateverElseChanges)
     EXPECT_TRUE(content(path).endsWith("\n\n" + log));
     EXPECT_EQ(cell("SELECT slug FROM project;"), "shop-site") << "the rows of its work name it";
 
-    // A text without a log is somebody's: it stays below.
+    // Text without a log was written by a person: it is kept below.
     EXPECT_TRUE(mirrorText({}, "my notes").endsWith("\n\n## Log\nmy notes"));
     EXPECT_EQ(mirrorText({}, mirrorText({}, "my notes")), mirrorText({}, "my notes"));
 
@@ -49,7 +49,7 @@ TEST_F(Projects, theMirrorKeepsWhatStandsBelowTheLogWhateverElseChanges)
     QFile::setPermissions(
         QFileInfo(path).absolutePath(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     EXPECT_EQ(cell("SELECT goal FROM project;"), "Sell");
-    if (::geteuid() != 0) // who may write everywhere
+    if (::geteuid() != 0) // root may write everywhere
         EXPECT_EQ(content(path), before);
 }
 
@@ -74,7 +74,7 @@ TEST_F(Projects, noSlugLeadsOutOfTheFolderOfProjects)
     form.field(u"repoPath"_s).type(u"here"_s);
     form.submit();
     EXPECT_EQ(form.message(), "The path of a folder begins with “/” or “~”.");
-    // One that another program wrote.
+    // A project written by another program.
     m_db->exec("INSERT INTO project(id, slug, name, updated_at) VALUES('p','../../evil','Evil','9');");
     view.refresh();
     view.rail()->select(u"p"_s);

@@ -55,7 +55,7 @@ TEST_F(Workspace, aLaunchCopiesThePacketAndTypesNoneOfIt)
     view.setShown(true);
     QString copied;
     QObject::connect(view.assistant(), &DevAssistant::copyRequested, [&](const QString& text) { copied = text; });
-    view.assistant()->setAssistantPrompt(QString(300'000, u'x')); // more than an argument may hold
+    view.assistant()->setAssistantPrompt(QString(300'000, u'x')); // longer than a command-line argument may be
     view.assistant()->setTarget(u"claude"_s);
     view.setTab(u"assistant"_s);
     const QString packet = view.assistant()->packet();
@@ -103,7 +103,7 @@ TEST_F(Workspace, aBugFromATerminalBringsItsEvidenceRedacted)
     EXPECT_EQ(view.tasks()->openRows().size(), 2);
     view.rail()->select(other);
     EXPECT_EQ(view.tasks()->openRows().size(), 0);
-    // What one project's terminal shows is not told of another.
+    // A terminal of one project is not offered in another.
     view.rail()->select(u"pj:shop"_s);
     view.launcher()->createLocalSession();
     EXPECT_TRUE(view.tasks()->hasTerminal());

@@ -23,7 +23,7 @@ protected:
     TemporaryHome home;
 };
 
-/// No file of this process takes another byte, as on a full disk.
+/// Makes every write to a file fail, as on a full disk.
 class FullDisk {
 public:
     FullDisk()

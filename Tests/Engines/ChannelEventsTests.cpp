@@ -8,7 +8,7 @@ using namespace corvane;
 
 namespace {
 
-/// Subjects, what was read elsewhere, and what a channel can carry.
+/// Subjects, read receipts from other devices, and channel features.
 class ChannelEvents : public EngineTest {
 protected:
     ChannelEvents() { startShop(); }

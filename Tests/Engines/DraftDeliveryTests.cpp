@@ -16,7 +16,7 @@ namespace {
 
 class DraftDeliveryTest : public EngineTest {
 protected:
-    /// A draft to one chat of the account, in the given status.
+    /// Queues a draft to one chat of the account, with the given status.
     QString queue(const Account& account, const QString& text, const QString& status = u"approved"_s)
     {
         const QString conversation = ensureConversation(
@@ -33,7 +33,7 @@ protected:
         return world.cell(u"SELECT %1 FROM outbound_draft WHERE id=?;"_s.arg(column), { id });
     }
 
-    /// As a person approves it, on whatever surface.
+    /// Approves the draft as a person does.
     void approve(const QString& id)
     {
         const auto seen = fetchDraft(world.engines.db(), id);
@@ -41,7 +41,7 @@ protected:
         world.delivery.refresh();
     }
 
-    /// A draft with a subject and a file, and the file as it lies in the outbox.
+    /// Queues a draft with a subject and a file, and returns its id.
     QString queueWithFile()
     {
         const QString conversation
@@ -365,7 +365,7 @@ TEST_F(DraftDeliveryTest, ofTwoProgramsOnOneFileOneSends)
     QStringList seenByBoth;
     for (int i = 0; i < 4; ++i)
         seenByBoth.append(queue(shop, QString::number(i)));
-    // Each has read the rows as approved, and each gets to deliver them; here first the one, there first the other.
+    // Both have read the rows as approved, and each tries to deliver them, in alternating order.
     DraftDelivery& here = world.delivery;
     DraftDelivery there(second.db(), second, world.clock);
     for (int i = 0; i < 4; ++i) {

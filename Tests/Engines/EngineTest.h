@@ -20,7 +20,7 @@ inline Account accountNamed(const QString& slug, Channel channel = Channel::What
     return account;
 }
 
-/// A manager with played engines and one WhatsApp account, "shop".
+/// A manager with fake engines and one WhatsApp account, "shop".
 class EngineTest : public testing::Test {
 protected:
     WAStatus status() const { return world.engines.runtime(shop.id).status; }
@@ -32,7 +32,7 @@ protected:
         world.engines.start(shop);
     }
 
-    /// The shop's engine prints one event, and it is handled.
+    /// Prints one event from the shop's engine and waits until it is handled.
     void report(const QJsonObject& event)
     {
         world.launcher.last().printEvent(event);

@@ -20,7 +20,7 @@ class IngestTest : public EngineTest {
 protected:
     IngestTest() { startShop(); }
 
-    /// A live incoming message, with changes and perhaps without one of its keys.
+    /// A live incoming message, with some values changed and optionally one key missing.
     void message(const QJsonObject& changes = {}, const QString& without = {})
     {
         QJsonObject event { { u"type"_s, u"message"_s }, { u"convExternalId"_s, u"34600@s.whatsapp.net"_s },
@@ -204,7 +204,7 @@ TEST_F(IngestTest, whoWasMergedNotifiesAsTheOneThatTheyAre)
     world.engines.setOpenContactId(QString());
     message({ { u"providerMsgId"_s, u"c"_s } });
     EXPECT_EQ(world.banners.shown.value(0).thread, mail);
-    repeatMerges(db); // the conversation goes back to them without a message
+    repeatMerges(db); // moves the conversation to the merged contact without a new message
     message({ { u"providerMsgId"_s, u"d"_s } });
     world.clock.advance(Milliseconds(100));
     EXPECT_EQ(world.engines.unreadTotal(), 3) << "counted once, whoever has the conversation";
@@ -385,7 +385,7 @@ TEST_F(IngestTest, aDatabaseThatDoesNotOpenHoldsTheLinesBack)
 {
     EngineSurroundings around;
     FakeLauncher launcher(around.clock);
-    QDir().mkpath(around.home.paths().database()); // a folder stands where the file should be
+    QDir().mkpath(around.home.paths().database()); // a folder at the file's path
     EngineManager engines(around.on(around.clock, launcher), around.openDatabase(around.clock));
     launcher.expect(FakeLauncher::stays());
     engines.start(shop);
@@ -424,7 +424,7 @@ TEST_F(IngestTest, aFullDiskKeepsEveryLineAndTheEngineWaits)
     int numbers = 0;
     while (db.health().fault() == StoreFault::None) {
         if (numbers == 50)
-            db.exec(u"PRAGMA max_page_count=1;"_s); // as many as there are
+            db.exec(u"PRAGMA max_page_count=1;"_s); // no more than now
         for (int i = 0; i < 50; ++i, ++numbers)
             world.launcher.last().printEvent(
                 { { u"type"_s, u"message"_s }, { u"convExternalId"_s, u"c"_s }, { u"body"_s, QString(500, u'b') },
@@ -477,7 +477,7 @@ TEST_F(IngestTest, twoAccountsMayUseTheSameMessageIdAndReachOnlyTheirOwn)
     EXPECT_EQ(row(u"body || '|' || status || '|' || provider_msg_id"_s, u"wa:msg:other:m1"_s), u"theirs|4|m1"_s);
     EXPECT_EQ(count(u"unified_message"_s), u"2"_s);
 
-    // Not even with the id that another account's collision was given.
+    // The id that resolved another account's collision cannot be used to overwrite it either.
     handle(R"({"type":"message","convExternalId":"34600@s.whatsapp.net","body":"mine","providerMsgId":"other:m1"})");
     EXPECT_EQ(row(u"body"_s, u"wa:msg:other:m1"_s), u"theirs"_s);
     EXPECT_EQ(row(u"body"_s, u"wa:msg:shop:other:m1"_s), u"mine"_s);

@@ -20,8 +20,8 @@ using namespace corvane;
 
 namespace {
 
-/// A manager whose engines are real processes, on the system's clock. The child program of the tests stands in
-/// for Node: it obeys the lines of the entry script.
+/// A manager whose engines are real processes, on the system's clock. The tests' child program stands in for Node: it
+/// runs the lines of the entry script.
 class RealEngines : public testing::Test {
 protected:
     void start(const QByteArray& script)

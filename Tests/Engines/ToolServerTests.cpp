@@ -10,7 +10,7 @@ namespace {
 
 class ToolServerTest : public EngineTest {
 protected:
-    /// Waits until the look at the port has come home.
+    /// Waits until the port has been checked and the result is back.
     void startAndLook(int port = 8765)
     {
         const auto looks = world.ports.askedPorts().size();

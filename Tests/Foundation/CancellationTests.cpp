@@ -8,7 +8,7 @@ using namespace corvane;
 
 namespace {
 
-/// A coroutine that starts at once and that nobody waits for.
+/// A coroutine that starts at once and is never awaited.
 struct Detached {
     struct promise_type {
         Detached get_return_object() { return {}; }
@@ -34,7 +34,7 @@ TEST(CancelHandle, whoWatchesIsCalledOnceAndInOrderUnlessTheWatchIsGone)
     auto second = handle.onCancel([&] { called += 'b'; });
     const auto third = handle.onCancel([&] {
         called += 'c';
-        second = {}; // the call that is under way keeps its order
+        second = {}; // does not affect the notification in progress
         handle.cancel();
     });
     const auto fourth = handle.onCancel([&] { called += 'd'; });

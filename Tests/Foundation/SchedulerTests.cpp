@@ -54,7 +54,7 @@ TEST(Coalescer, aCostlyCallIsFollowedByNineTimesItsOwnTime)
     coalescer.request();
     clock.advance(Milliseconds(1));
     EXPECT_EQ(calls, 1);
-    clock.advance(Milliseconds(490)); // the call ended at 50
+    clock.advance(Milliseconds(490)); // the previous call ended at 50 ms
     EXPECT_EQ(calls, 1);
     clock.advance(Milliseconds(20));
     EXPECT_EQ(calls, 2) << "what was requested meanwhile is not lost";

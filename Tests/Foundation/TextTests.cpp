@@ -53,7 +53,7 @@ TEST(Ids, haveTheShapesThatRowsAreFoundBy)
         stamped.insert(id);
     }
     EXPECT_EQ(stamped.size(), 200);
-    // A "%1" in what comes from outside stays what it is.
+    // A "%1" in external input is kept as it is.
     EXPECT_EQ(contactId("EMAIL", "a%1@b"), "ct:EMAIL:a%1@b");
     EXPECT_EQ(contactIdentityId("SMS", "+49"), "id:SMS:+49");
     EXPECT_EQ(conversationId("work", "x:%2"), "wa:work:x:%2");

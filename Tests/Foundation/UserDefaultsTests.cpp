@@ -80,7 +80,7 @@ TEST(UserDefaults, aFileThatDoesNotReadIsKeptBeforeItIsWrittenOver)
 TEST(UserDefaults, aDamagedFileThatCannotBeCopiedIsLeftAloneAndChangesLastUntilTheEnd)
 {
     const TemporaryHome home;
-    const QString longName = "config/Corvane/" + QString(250, u'd'); // the copy's name would be too long
+    const QString longName = "config/Corvane/" + QString(250, u'd'); // the backup copy's name would be too long
     home.write(longName, "[unclosed\n");
     UserDefaults defaults(home.path(longName));
     defaults.setText(name, "new");

@@ -1,4 +1,4 @@
-// The terminal as a GPU draws it, here Mesa's software OpenGL on an X server of its own, beside the painter's images.
+// Compares the terminal's GPU rendering (Mesa's software OpenGL on a private X server) with the painter's images.
 
 #include "Foundation/Literals.h"
 #include "Foundation/SystemScheduler.h"
@@ -66,7 +66,7 @@ TEST(TerminalScene, aGpuDrawsThePaintersPixels)
     const QImage drawn = window.grabWindow();
     ASSERT_EQ(drawn.size(), expected.size());
     EXPECT_LE(largestDifference(drawn, expected), 1);
-    const QString folder = qEnvironmentVariable("CORVANE_PICTURES"); // to look at them
+    const QString folder = qEnvironmentVariable("CORVANE_PICTURES"); // saves the images for inspection
     if (!folder.isEmpty() && drawn.save(folder + u"/drawn.png"_s))
         expected.save(folder + u"/expected.png"_s);
 }

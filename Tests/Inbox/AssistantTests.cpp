@@ -65,7 +65,7 @@ TEST_F(AssistantTest, aDraftIsAPreviewUntilItIsTakenAndCanBeTakenBack)
     draft.draftReply();
     draft.replace();
     EXPECT_EQ(composer.text(), "Yes.");
-    draft.accept(); // nothing is there to be taken
+    draft.accept(); // there is nothing to accept
     EXPECT_EQ(composer.text(), "Yes.");
     EXPECT_TRUE(commands("send").isEmpty());
     EXPECT_EQ(cell("SELECT COUNT(*) FROM outbound_draft;"), "0");
@@ -182,7 +182,7 @@ TEST_F(AssistantTest, aQuestionIsAnsweredFromTheThreadAndTheNotes)
     model.willAnswer(u"Tea."_s);
     ask.tryAgain();
     EXPECT_EQ(ask.question() + '|' + ask.answer(), "And?|Tea.");
-    ask.tryAgain(); // nothing failed
+    ask.tryAgain(); // nothing to retry
     EXPECT_EQ(ask.answer(), "Tea.");
     const auto later = model.willAnswerLater();
     ask.ask("Milk?");

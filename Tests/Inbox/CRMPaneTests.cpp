@@ -21,7 +21,7 @@ protected:
     QStringList texts(QAbstractItemModel* model) const { return column(model, "text"); }
     QString id(QAbstractItemModel* model, int row = 0) const { return column(model, "id").value(row); }
 
-    /// A namesake of Ana on Telegram, and the pause after which suggestions come.
+    /// Adds a Telegram contact with Ana's name, and waits for the delayed suggestions.
     void meetNamesake()
     {
         storeMessage(engines.db(), "TELEGRAM", "bot", telegram());
@@ -164,7 +164,7 @@ TEST_F(CRMPaneTest, aTaskThatIsCompletedAndAMemoryThatIsForgottenGo)
     pane.completeTask(id(pane.tasks()->rows()));
     EXPECT_EQ(inbox.actions()->undoText(), "Completed “A title that is much longer than…”");
     inbox.person()->select(ben);
-    inbox.actions()->undo(); // whoever is open by then
+    inbox.actions()->undo(); // undo works regardless of which contact is open
     EXPECT_EQ(pane.tasks()->rows()->rowCount(), 0);
     inbox.person()->select(ana);
     EXPECT_EQ(pane.tasks()->rows()->rowCount(), 1);
@@ -217,12 +217,12 @@ TEST_F(CRMPaneTest, aMergedPersonWhoWritesAgainStaysOnePersonUntilTheyAreTakenAp
 {
     meetNamesake();
     pane.mergeWith(namesake);
-    storeMessage(engines.db(), "TELEGRAM", "bot", telegram()); // gives the conversation back to its own contact
+    storeMessage(engines.db(), "TELEGRAM", "bot", telegram()); // moves the conversation back to its original contact
     inbox.list()->reload();
     EXPECT_EQ(names(), (QStringList { "Ana Ruiz", "Ben" }));
     EXPECT_EQ(bodies().last(), "from my other phone");
     inbox.person()->select({});
-    inbox.person()->select(namesake); // as a banner does
+    inbox.person()->select(namesake); // as a click on a banner does
     EXPECT_EQ(inbox.person()->selectedId(), ana);
     EXPECT_EQ(texts(pane.merges()), QStringList("Merged with ana ruiz"));
     pane.unmerge(id(pane.merges()));

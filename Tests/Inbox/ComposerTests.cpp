@@ -27,7 +27,7 @@ protected:
     QByteArray unsentFile() { return home.read("share/Corvane/unsent.json"); }
     void pause() { clock.advance(Milliseconds(500)); }
 
-    /// The next start of the program on the same files.
+    /// A restart of the program with the same files.
     std::unique_ptr<Reply> restarted() { return std::make_unique<Reply>(composing, lumo); }
     void openIn(Reply& other, const QString& person) { other.open(fetchContact(engines.db(), person).value()); }
 
@@ -291,7 +291,7 @@ TEST_F(ComposerTest, nothingTypedIsLost)
     EXPECT_EQ(composer.text(), "to Ana");
     pause();
 
-    // A kill: the file as it stands now, whatever the program that is killed would have done at its end.
+    // Simulates a kill: the file as it is now, without what the program would write on exit.
     const QByteArray atKill = unsentFile();
     composer.setText("");
     inbox.person()->select(ben);

@@ -278,7 +278,7 @@ TEST_F(InboxViewTest, aMediumIsFetchedAndAReactionIsKept)
     EXPECT_EQ(last("mediaState"), "ready");
     EXPECT_EQ(last("mediaTitle"), "a.png");
 
-    // The person's newest conversation is another, and the id holds colons.
+    // The person's newest conversation is a different one, and the message id contains colons.
     engine().printEvent({ { "type", "message" }, { "convExternalId", ana.section(':', 2) }, { "body", "hi" },
         { "providerMsgId", "true_1:2:3" }, { "ts", clock.nowMs() } });
     receive(ben, "later");

@@ -20,7 +20,7 @@ namespace corvane {
 inline const QString ana = "ct:WHATSAPP:49171@s.whatsapp.net";
 inline const QString ben = "ct:WHATSAPP:49172@s.whatsapp.net";
 
-/// The view on a real database, fed by an engine that the test plays.
+/// The view with a real database and an engine that the test simulates.
 class InboxViewTest : public testing::Test, protected EngineWorld {
 protected:
     InboxViewTest()
@@ -30,7 +30,7 @@ protected:
         engines.start(account);
         engine().printEvent({ { "type", "status" }, { "state", "open" } });
         settle();
-        // As the window tells that stands at the newest message.
+        // Stands in for the window, scrolled to the newest message.
         QObject::connect(inbox.person()->thread(), &ThreadView::changed,
             [this] { inbox.person()->thread()->reading()->setNewestInSight(!inbox.person()->thread()->hasNewer()); });
         inbox.appear();
@@ -67,7 +67,7 @@ protected:
         clock.advance(Milliseconds(110));
     }
 
-    /// Older than all the others, a second apart, without an engine's work.
+    /// Inserts older messages, a second apart, directly into the database.
     void rememberFrom(const QString& contact, int count)
     {
         engines.db().run(R"(WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ?)
@@ -76,7 +76,7 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'ol
             { count, contact, clock.nowMs() - 86'400'000, count });
     }
 
-    /// Long enough for the open thread to count as read.
+    /// Waits until the open thread counts as read.
     void restInThread() { clock.advance(seconds(1)); }
 
     void receiveFromAnaAndBen()
@@ -123,7 +123,7 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE contact_id=?), 'ol
         awaitHits();
     }
 
-    /// The search runs on a thread of its own.
+    /// Waits for the search, which runs on its own thread.
     void awaitHits()
     {
         EXPECT_TRUE(await([this] { return !inbox.list()->results()->pending(); }));

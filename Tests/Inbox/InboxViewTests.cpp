@@ -199,7 +199,7 @@ TEST_F(InboxViewTest, anotherWorkspaceClearsTheSelectionAndTellsWhy)
     EXPECT_EQ(names().size(), 2);
     EXPECT_EQ(inbox.notices()->workspaceNotice(), "");
 
-    // An empty workspace is left at the next query, in the middle of a reload.
+    // The next query leaves an empty workspace, in the middle of a reload.
     inbox.person()->select(ana);
     persistActiveWorkspace(engines.db(), "empty", std::nullopt, LegacyRows::Keep);
     clock.advance(seconds(1));

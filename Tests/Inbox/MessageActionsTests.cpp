@@ -19,7 +19,7 @@ protected:
     MessageActions& actions() { return *inbox.person()->messageActions(); }
     VoicePlayer& voice() { return *inbox.person()->voicePlayer(); }
 
-    /// "id" for each that can be done, "id: why not" for each that cannot.
+    /// "id" for each available action, "id: reason" for each unavailable one.
     QStringList offered(const QString& messageId)
     {
         QStringList words;

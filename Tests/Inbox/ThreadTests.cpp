@@ -36,7 +36,7 @@ UnifiedMsgRow medium(const std::optional<QString>& type, const std::optional<QSt
     return row;
 }
 
-/// A run as letters: D a date, m a message, g one that continues a run, each with "." where its time shows.
+/// The items as letters: D a date, m a message, g a grouped message; "." follows a message that shows its time.
 std::string shape(const QList<UnifiedMsgRow>& rows)
 {
     std::string letters;

@@ -28,7 +28,7 @@ protected:
             }));
     }
 
-    /// Everything that the person gets to see, but for the name under which it is replaced.
+    /// Everything in the banner except the id under which it is replaced.
     static QString text(const Banner& banner)
     {
         QStringList parts { banner.title, banner.subtitle, banner.body, banner.thread, banner.category };

@@ -32,7 +32,7 @@ RuntimeState stateOf(WAStatus status)
     return state;
 }
 
-/// The words of a channel in every state, the two parts of a line joined by " | ".
+/// The texts of a channel in every state, with status and detail joined by " | ".
 QStringList lines(const QString& channel, bool paused = false)
 {
     QStringList result;

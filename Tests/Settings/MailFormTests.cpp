@@ -15,7 +15,7 @@ namespace corvane {
 
 namespace {
 
-/// The form over real children: the child program of the tests stands in for Node and says what the engine would.
+/// The form with real child processes: the tests' child program stands in for Node and simulates the engine.
 class MailSheet : public testing::Test {
 protected:
     MailSheet()

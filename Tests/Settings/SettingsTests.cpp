@@ -35,7 +35,7 @@ protected:
         list.setVisible(true);
     }
 
-    /// Connects a channel whose engine then runs.
+    /// Connects a channel and starts its engine.
     QString connectAccount(const QString& channel, const ConnectValues& values = {})
     {
         world.launcher.expect(FakeLauncher::stays());

@@ -113,7 +113,7 @@ TEST_F(VoiceSettingsTest, aFileOfThisMachineIsCopiedAndACancelledCopyLeavesNothi
     EXPECT_EQ(QDir(voice.services.store.modelsRoot()).entryList(QDir::Files).size(), 2) << "the model and the list";
     EXPECT_TRUE(QFile::exists(file.toLocalFile()));
 
-    // The program was killed before the list knew of the model.
+    // As if the program was killed before the model was added to the list.
     const QString root = voice.services.store.modelsRoot();
     EXPECT_TRUE(QFile::remove(root + "/models.json"));
     RealVoice next(machine, defaults, clock, home.paths().applicationSupport);

@@ -60,7 +60,7 @@ protected:
         app = std::make_unique<CorvaneApp>(home.paths(), clock, std::move(machine));
     }
 
-    /// The start sequence, up to the tool server, which comes up away from the main thread.
+    /// Runs the start sequence until the tool server is up, which starts on another thread.
     void appear(int enginesStarted)
     {
         launcher->expect(FakeLauncher::stays(), enginesStarted + 1);
@@ -83,7 +83,7 @@ protected:
     FakeNotificationService* banners = nullptr;
     FakeTextInsertion* insertion = nullptr;
     FakeMicrophone* microphone = nullptr;
-    bool isBoundToFocus = false; ///< set before the program is built
+    bool isBoundToFocus = false; ///< to be set before the program is created
     std::unique_ptr<PrivateBus> bus;
     std::unique_ptr<CorvaneApp> app;
 };

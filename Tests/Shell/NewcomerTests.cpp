@@ -1,5 +1,5 @@
-// What somebody does in their first quarter of an hour with ./run --demo: the whole program but its window, on a real
-// database file, with the demonstration's engines as the processes that they are.
+// A new user's first fifteen minutes with ./run --demo: the whole program without its window, a real database file, and
+// the demo's engines as real processes.
 
 #include "Approvals/ApprovalsStore.h"
 #include "Calls/RecordedCalls.h"
@@ -66,7 +66,7 @@ protected:
     {
         const QStringList platforms = thread("platform");
         QSet<QString> found(platforms.begin(), platforms.end());
-        found.remove(QString()); // days
+        found.remove(QString()); // date separators have no platform
         return found;
     }
     QString ticksOf(const QString& body) { return thread("ticksText").value(int(thread("body").lastIndexOf(body))); }
@@ -89,14 +89,14 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     app->delivery().startWatch();
     app->startAllEngines();
 
-    // One of the engines' programs writes into the database that Sofia is one person on three channels.
+    // One of the engine processes records in the database that Sofia is one person on three channels.
     ASSERT_TRUE(await([&] { return cell("SELECT COUNT(*) FROM contact_merge;") == "2"; }));
     inbox().person()->select(sofia);
     ASSERT_TRUE(await([&] { return pane().identityText() == "Same person · 3 channels"; }));
     EXPECT_EQ(channels(), (QSet<QString> { "WHATSAPP", "EMAIL", "TELEGRAM" }));
     EXPECT_EQ(composer().replyPlatforms().size(), 3);
 
-    // An answer goes out at once, and its tick follows the message to its reader.
+    // A reply is sent at once, and its ticks change as it is delivered and read.
     const QString answer = "Obrigada, Sofia! As caixas seguem amanhã";
     QStringList ticks;
     const auto reports = QObject::connect(&app->engine(), &EngineManager::eventHandled, [&] {
@@ -114,7 +114,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     EXPECT_EQ(ticks, (QStringList { "Sent", "Delivered", "Read" }));
     EXPECT_EQ(cell("SELECT COUNT(*) FROM outbound_draft;"), "0") << "what a person sends needs nobody's approval";
 
-    // One on a channel that was merged: an engine's message gives that conversation back to its own contact.
+    // A reply on a merged channel: the engine's message moves that conversation back to its own contact.
     composer().setReplyPlatform("TELEGRAM");
     composer().setText("Também por aqui");
     composer().send();
@@ -122,7 +122,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     EXPECT_EQ(channels().size(), 3) << "the thread stays whole";
     EXPECT_EQ(column(*inbox().list()->contacts(), "name").count("Sofia Marques"), 2) << "she, and the gallery's phone";
 
-    // The gallery's phone is hers, too; or perhaps not.
+    // Merging her with the contact of the gallery's phone can be undone.
     const auto hasGallery = [&] {
         return thread("body").contains("Sou eu, a Sofia. Este é o telefone da galeria, guarda-o também");
     };
@@ -146,7 +146,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     EXPECT_TRUE(pane().addTask("Ask for the measures"));
     EXPECT_TRUE(pane().addNote("Prefers warm light"));
 
-    // A message to somebody new waits until it is approved, and then goes out once.
+    // A message to a new person waits for approval, and is then sent once.
     ComposeSheet& sheet = *inbox().composeSheet();
     sheet.open();
     sheet.setAccountId(app->store().findBySlug("taller-vidal")->id.toString());
@@ -169,7 +169,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
         "1");
     composer().setText("and later");
 
-    // The next start, with every engine still asleep, shows it all.
+    // After a restart, with no engine running, everything is still shown.
     close();
     open();
     inbox().person()->select(stranger);

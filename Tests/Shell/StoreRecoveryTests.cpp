@@ -113,7 +113,7 @@ TEST_F(Recovery, anEmptyFileOrABackupTakesThePlaceJustAsWell)
         ASSERT_TRUE(await([&] { return !recovery().needed(); })) << id.toStdString();
         EXPECT_EQ(contacts(), expected);
         EXPECT_TRUE(QFile::remove(home.path("share/Corvane/engines/mail/retell"))) << "what is lost is told again";
-        clock.advance(seconds(10)); // the lines that waited for the file go first
+        clock.advance(seconds(10)); // the lines that waited for the database are handled first
     }
     EXPECT_TRUE(allRuns());
 }

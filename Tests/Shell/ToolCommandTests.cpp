@@ -31,7 +31,7 @@ int freePort()
 
 class ToolCommand : public testing::Test {
 protected:
-    /// "{exit code}: {what was printed}"
+    /// "{exit code}: {output}"
     QString tool(const QString& name, const QByteArray& arguments = {})
     {
         QString words;

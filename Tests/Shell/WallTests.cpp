@@ -32,7 +32,7 @@ class Wall : public testing::Test {
 protected:
     Wall() { open(); }
 
-    /// The next start of the program.
+    /// Restarts the program.
     void open()
     {
         wall.reset();

@@ -22,14 +22,14 @@ protected:
     QString hashOf(const QString& id) { return draftHash(*fetchDraft(*m_db, id)); }
     QString status(const QString& id) { return fetchDraft(*m_db, id).value_or(PendingDraft()).status; }
 
-    /// The record as "kind id action" lines.
+    /// The decision log as "kind id action" lines.
     QStringList told()
     {
         return m_db->rows("SELECT kind || ' ' || subject_id || ' ' || action FROM approval_record ORDER BY seq;", {},
             [](const SqlRow& row) { return row.text(0); });
     }
 
-    /// What a check says once somebody has written past the triggers.
+    /// The result of a check after a change that bypasses the triggers.
     QString saysAfter(const QString& sql)
     {
         m_db->exec("BEGIN; DROP TRIGGER approval_record_keeps; DROP TRIGGER approval_record_holds; "
@@ -138,7 +138,7 @@ TEST_F(ApprovalRecordsTest, whatDiffersFromWhatWasApprovedGoesBackToThePerson)
         EXPECT_EQ(approveDraft(*m_db, column, hashOf(column)), Decided::Taken);
         EXPECT_TRUE(DraftClaim::claim(*m_db, column).draft);
     }
-    // Two lists of texts that read the same when put together are not the same.
+    // Different lists must not have equal hashes, even if their concatenations are equal.
     EXPECT_NE(fieldsHash({ "ab", "c" }), fieldsHash({ "a", "bc" }));
     EXPECT_NE(fieldsHash({ "1:a", "" }), fieldsHash({ "", "1:a" }));
     EXPECT_EQ(fieldsHash({ "draft" }), "d492bd801320b51e9bee3efec7050f357b92ab8cc6eb56ecb346c76b384515ab")
@@ -209,7 +209,7 @@ TEST_F(ApprovalRecordsTest, theRecordOnlyGrowsAndACheckSaysWhereItWasCut)
         "The approval of forged is missing in the log.");
     EXPECT_EQ(saysAfter("DROP TABLE approval_record;"), "This database has no decision log.");
 
-    // A whole line put in the place of another one, with a hash of its own that is right.
+    // A forged line in place of another one, with a valid hash of its own.
     ApprovalRecord line { 2, 1, "draft", "b", "reject", "", "", "" };
     line.hash = fieldsHash({ "approval_record", "2", "1", "draft", "b", "reject", "", "" });
     EXPECT_EQ(saysAfter(u"UPDATE approval_record SET at=1, action='reject', content_hash='', "

@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// Conversations told once: by name, newest last.
+/// Conversations with and without a title or contact, archived, deleted and in another workspace.
 class ControlChatTest : public StoreTest {
 protected:
     ControlChatTest()

@@ -33,7 +33,7 @@ protected:
 
     CRMUpdateProposal at(const char* id) { return crmProposal(*m_db, id).value_or(CRMUpdateProposal()); }
 
-    /// "entity/action" of what waits for the web.
+    /// The queue of changes for the web, as "entity/action".
     QStringList queued()
     {
         return m_db->rows("SELECT entity_type, action FROM crm_mutation_queue WHERE origin='native-ui' ORDER BY rowid;",
@@ -236,10 +236,10 @@ TEST_F(CrmTest, messagesNotesAndCallsAreOneStory)
     };
     const qint64 now = m_clock.nowMs();
     message("1", "hello", now - 30);
-    message("2", "", now - 20); // a voice message, and its transcript
+    message("2", "", now - 20); // a voice message with a transcript
     m_db->exec("INSERT INTO audio_transcript(message_id, transcript, created_at, updated_at) "
                "VALUES('wa:msg:2','spoken',0,0);");
-    message("3", "", now - 10); // a picture says nothing here
+    message("3", "", now - 10); // an image without text
     addNote(*m_db, ana, "noted");
     m_clock.advance(Milliseconds(1));
     call("c");

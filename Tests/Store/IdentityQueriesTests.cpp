@@ -15,7 +15,7 @@ class IdentityTest : public StoreTest {
 protected:
     IdentityTest() { open(); }
 
-    /// Somebody who wrote once, on an account named after the channel. Returns the contact's id.
+    /// A person with one conversation, on an account named after the channel. Returns the contact's id.
     QString person(const char* channel, const char* handle, const char* name)
     {
         const QString id = contactId(channel, handle);
@@ -88,7 +88,7 @@ TEST_F(IdentityTest, aMergeIsRepeatedForWhatCameBackAndForWhatIsNew)
     const auto second = mergeContacts(*m_db, cy, ana, "name");
     ASSERT_TRUE(first && second);
     EXPECT_EQ(personBehind(*m_db, bo), cy);
-    person("SMS", "1", "Ana"); // a message gives the conversation back
+    person("SMS", "1", "Ana"); // a new message moves the conversation back
     ensureConversation(*m_db, "SMS", "other", "1", "Ana", 1);
     EXPECT_EQ(ownerOf("wa:SMS:1"), bo);
     repeatMerges(*m_db);
@@ -125,7 +125,7 @@ TEST_F(IdentityTest, aMergeOrUnmergeThatWasCutShortCanStillBeUndone)
     const QString ana = person("EMAIL", "ana@example.com", "Ana");
     const QString bo = person("SMS", "1", "Ana");
     ensureConversation(*m_db, "SMS", "other", "1", "Ana", 1);
-    // What stands in the file when the process ends after the first of two moves.
+    // The state of the file if the process ends after the first of two moves.
     m_db->exec("CREATE TRIGGER cut BEFORE UPDATE ON unified_conversation WHEN OLD.id='wa:other:1' "
                "BEGIN SELECT RAISE(ABORT, 'cut'); END;");
     const auto merge = mergeContacts(*m_db, ana, bo, "name");
@@ -157,8 +157,8 @@ TEST_F(IdentityTest, aPersonIsCalledByNameThenTitleThenAddress)
     EXPECT_FALSE(contactExists(*m_db, "ct:EMAIL:nobody"));
 }
 
-// Any order of merging, undoing, repeating and new messages: each conversation that a merge moved comes back to where
-// the last message or unmerge had put it, and no row goes.
+// Merges, unmerges, repeated merges and new messages in random order: each conversation that a merge moved returns to
+// the owner that the last message or unmerge gave it, and no row is lost.
 TEST(MergeProperty, noOrderOfMergesUnmergesAndMessagesLosesAnything)
 {
     const TemporaryHome home;
@@ -175,7 +175,7 @@ TEST(MergeProperty, noOrderOfMergesUnmergesAndMessagesLosesAnything)
     };
 
     constexpr int people = 60;
-    constexpr int conversations = 80; // some people write on two accounts
+    constexpr int conversations = 80; // some people have two accounts
     constexpr int steps = 100'000;
     const auto contact = [](qsizetype person) {
         return contactId("SMS", QString::number(person));
@@ -184,7 +184,7 @@ TEST(MergeProperty, noOrderOfMergesUnmergesAndMessagesLosesAnything)
         return QString(index < people ? "main" : "other");
     };
 
-    // By conversation: whose it is now, and to whom the last message or unmerge had given it.
+    // For each conversation: its owner now, and the owner that the last message or unmerge gave it.
     std::array<qsizetype, conversations> owner {};
     std::array<qsizetype, conversations> given {};
     struct Merge {

@@ -84,7 +84,7 @@ TEST_F(InboxTest, filtersAccountsAndLimitsNarrowTheList)
     EXPECT_EQ(names(), QStringList());
 }
 
-/// The list as one statement over everybody: what `fetchContacts` returns, and in that order.
+/// The list in a single statement over everyone: the same rows as `fetchContacts` returns, in the same order.
 QString listOfEverybody(InboxFilter filter, qint64 nowMs)
 {
     const QString archived = filter == InboxFilter::Archived ? "NOT NULL" : "NULL";
@@ -126,7 +126,7 @@ TEST_F(InboxTest, theNewestPeopleAreThoseOfAWalkOverEverybody)
                     oneIn(4) ? SqlValue() : SqlValue(u"P%1"_s.arg(i)), oneIn(8) ? SqlValue(1) : SqlValue() });
         for (int i = 0; i < 24; ++i) {
             const QString id = u"c%1"_s.arg(i);
-            const qint64 ts = midnight + below(6) - 3; // many at the same instant, some of them yesterday
+            const qint64 ts = midnight + below(6) - 3; // many at the same time, some of them yesterday
             m_db->run(
                 "INSERT INTO unified_conversation(id, workspace_id, channel, account_id, external_id, contact_id, "
                 "last_ts, unread, muted, archived_at, deleted_at) VALUES(?,?,?,?,?,?,?,?,?,?,?);",
@@ -137,7 +137,7 @@ TEST_F(InboxTest, theNewestPeopleAreThoseOfAWalkOverEverybody)
             m_db->run("INSERT INTO unified_message(id, conversation_id, body, ts, deleted_at) VALUES(?,?,?,?,?);",
                 { id, id, u"body %1"_s.arg(i), ts - below(2), oneIn(5) ? SqlValue(1) : SqlValue() });
         }
-        for (int i = 0; i < 3; ++i) // a merge takes all conversations of one person to another
+        for (int i = 0; i < 3; ++i) // a merge moves all conversations of one person to another
             m_db->run("UPDATE unified_conversation SET contact_id=? WHERE contact_id=?;", { person(), person() });
         m_db->exec("COMMIT;");
         for (const InboxFilter filter :
@@ -174,7 +174,7 @@ TEST_F(InboxTest, archivingHidesAPersonAndTheirUnread)
     EXPECT_EQ(totalUnread(*m_db), 1);
     EXPECT_EQ(counted(), QList { 1 });
     EXPECT_EQ(counted(QStringList { "ct:SMS:1" }), QList { 0 });
-    markAllRead(*m_db); // leaves the archived alone
+    markAllRead(*m_db); // does not change archived conversations
     EXPECT_EQ(totalUnread(*m_db), 0);
     unarchiveContact(*m_db, "ct:SMS:1");
     EXPECT_EQ(names(), (QStringList { "Bo", "Ana" }));
@@ -281,7 +281,7 @@ TEST_F(InboxTest, aThreadIsEveryChannelInOrderOfTime)
 
 TEST_F(InboxTest, aThreadIsWalkedInPagesBothWaysAndEqualTimesStandAsTheyCame)
 {
-    // Two conversations of one person; each second holds messages of both.
+    // Two conversations of one person, with messages of both in every second.
     for (int i = 0; i < 60; ++i)
         chat("SMS", i % 3 ? "a" : "b", "1", i / 7 * 1000, QByteArray::number(i).constData());
     m_db->exec("UPDATE unified_message SET deleted_at=1 WHERE body IN ('13','14','40');");

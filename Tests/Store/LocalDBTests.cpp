@@ -72,7 +72,7 @@ TEST_F(LocalDBTest, failuresAreLoggedAndLeaveTheRestStanding)
 
 TEST_F(LocalDBTest, aFileThatCannotBeOpenedGivesAnEmptyStore)
 {
-    QDir().mkpath(path()); // a folder stands where the file should be
+    QDir().mkpath(path()); // a folder at the file's path
     LocalDB& db = open();
     EXPECT_FALSE(db.isOpen());
     EXPECT_FALSE(db.inTransaction());
@@ -98,7 +98,7 @@ TEST_F(LocalDBTest, aFileThatAnotherProcessHoldsIsReadAtOnceAndWrittenLater)
     EXPECT_TRUE(open().run("INSERT INTO contact(id) VALUES('ct:SMS:1');"));
     OtherProcess other(path());
     other.exec("BEGIN IMMEDIATE;");
-    LocalDB& db = open(); // it gives up writing after five seconds
+    LocalDB& db = open(); // writing fails after five seconds
     ASSERT_EQ(m_log.lines().size(), 1);
     EXPECT_TRUE(m_log.contains("LocalDB.run step failed (rc=5): database is locked — UPDATE unified_conversation"));
     EXPECT_EQ(cell("SELECT id FROM contact;"), "ct:SMS:1");

@@ -13,7 +13,7 @@ namespace {
 
 class MessageSearchTest : public StoreTest {
 protected:
-    /// Enough messages that a search takes a while; the first one holds the needle.
+    /// Enough messages that a search takes a while; the first one contains the needle.
     MessageSearchTest()
     {
         open();

@@ -13,7 +13,8 @@ constexpr int pageBytes = 4096;
 
 class SalvageTest : public StoreTest {
 protected:
-    /// 4,000 messages, two of whose pages are then overwritten, and a table that an engine made.
+    /// Writes 4,000 messages and an engine's own table, then overwrites the given leaf pages; a negative page is the
+    /// file header.
     void damage(const QList<int>& pages)
     {
         open();
@@ -39,7 +40,7 @@ protected:
         }
     }
 
-    /// What is saved into a new file, which is open then.
+    /// Recovers the data into a new file, and opens it.
     Result<Salvaged> save()
     {
         const auto aside = moveAside(path());

@@ -12,7 +12,7 @@ protected:
     QStringList shape() { return table("SELECT type, name, tbl_name, sql FROM sqlite_master ORDER BY type, name"); }
     QStringList tables() { return table("SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"); }
 
-    /// A file of an older start: made before the program runs.
+    /// Creates the database file before the program opens it, as an older version would have.
     void prepare(const char* sql)
     {
         QDir().mkpath(m_home.paths().applicationSupport);
@@ -135,7 +135,7 @@ TEST_F(SchemaTest, withoutTheBaseFileNothingIsMade)
 TEST_F(SchemaTest, withoutTheOpsFileTheRestStillComes)
 {
     QFile::remove(m_home.paths().resources + "/local-schema");
-    QDir(m_home.path("")).mkpath("nimb/apps/nimb-local/local-schema"); // the second place that is looked at
+    QDir(m_home.path("")).mkpath("nimb/apps/nimb-local/local-schema"); // the second search path
     QFile::copy(
         CORVANE_SOURCE "/local-schema/schema-v1.sql", m_home.path("nimb/apps/nimb-local/local-schema/schema-v1.sql"));
     open();

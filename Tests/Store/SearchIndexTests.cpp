@@ -67,8 +67,8 @@ protected:
 
 }
 
-// Random texts over a small alphabet in several scripts, with equal times, empty texts and wildcards in the queries;
-// rows are added, changed, deleted and transcribed between the searches, some of which are narrowed.
+// Random texts over a small alphabet in several scripts, with equal times, empty texts and wildcards in the queries.
+// Rows are added, changed, deleted and transcribed between searches; some searches are filtered.
 TEST_F(SearchIndexTest, findsWhatReadingEveryMessageFinds)
 {
     std::mt19937 random(20);
@@ -101,7 +101,7 @@ TEST_F(SearchIndexTest, findsWhatReadingEveryMessageFinds)
         if (round % 13 == 0)
             advance();
         SearchQuery query(words(5));
-        if (round % 3 == 1) { // a piece of some message, mostly a long one
+        if (round % 3 == 1) { // a piece of a message, usually a long one
             const QString body
                 = m_db->scalar("SELECT body FROM unified_message WHERE id=?;", { one }).value_or(QString());
             query.text = body.mid(int(random() % 4), int(random() % 40));
@@ -161,7 +161,7 @@ TEST_F(SearchIndexTest, moreMessagesOfOneMillisecondThanItNumbers)
     expectTheSame(u"crowd"_s, 5);
 }
 
-// Another program changes rows without a word to this one.
+// Another program changes rows without notifying this one.
 TEST_F(SearchIndexTest, aSweepFindsWhatOthersChanged)
 {
     write(1, u"before"_s, 1);
@@ -175,7 +175,7 @@ TEST_F(SearchIndexTest, aSweepFindsWhatOthersChanged)
     EXPECT_EQ(find(u"before"_s)->size(), 0);
 }
 
-// Another process, such as `corvane search`, learns from the rows what the index may not contain yet.
+// Another process, such as `corvane search`, finds out from the rows what the index may not contain yet.
 TEST_F(SearchIndexTest, anotherProcessFindsTheRowsOfTheStatement)
 {
     const qint64 now = m_clock.nowMs();

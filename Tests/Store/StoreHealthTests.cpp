@@ -13,7 +13,7 @@ TEST_F(StoreHealthTest, aFullFileIsToldOnceAndTakesWritesAgainWhenThereIsRoom)
 {
     LocalDB& db = open();
     QSignalSpy changed(&db.health(), &StoreHealth::changed);
-    db.exec("PRAGMA max_page_count=1;"); // as many as there are
+    db.exec("PRAGMA max_page_count=1;"); // no more than now
     while (db.run("INSERT INTO contact(id, display_name) VALUES(hex(randomblob(16)), hex(zeroblob(1000)));")) { }
     EXPECT_EQ(db.health().fault(), StoreFault::Full);
     EXPECT_EQ(changed.size(), 0) << "not out of a statement";

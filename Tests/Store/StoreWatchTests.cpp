@@ -63,7 +63,7 @@ TEST_F(StoreWatchTest, aSubjectWithTooManyRowsToCompareIsAlwaysTold)
 {
     OtherProcess other(path());
     for (int i = 0; i < 250; ++i) {
-        m_clock.advance(Milliseconds(1)); // an id is one of 9000 in its millisecond
+        m_clock.advance(Milliseconds(1)); // there are only 9000 different ids per millisecond
         EXPECT_TRUE(queueDraft(*m_db, "wa:shop:c", QString::number(i), "compose"));
     }
     for (const char* title : { "x", "y" }) {

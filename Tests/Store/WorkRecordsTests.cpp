@@ -142,7 +142,7 @@ TEST_F(WorkRecordsTest, aRowThatCannotBeReadBackIsNotSaved)
     EXPECT_FALSE(insertWorkItem(*m_db, { "ops", {}, "task", "Gone", "normal", "", "", "" }));
 }
 
-/// Every call, on a store whose work tables are as they happen to be.
+/// Every call on a store whose work tables are missing or have only an id column.
 TEST_F(WorkRecordsTest, tablesThatAreMissingOrLackColumnsAreEmptyAndTakeNothing)
 {
     const char* tables[] = { "work_context", "work_item", "work_decision", "work_evidence", "work_message",
@@ -178,7 +178,7 @@ TEST_F(WorkRecordsTest, tablesThatAreMissingOrLackColumnsAreEmptyAndTakeNothing)
         EXPECT_FALSE(updateWorkMemoryStatus(*m_db, "x", "approved", "Oskel"));
         EXPECT_EQ(todayDigest(*m_db, 0, 1, isoTime(0)), TodayDigest());
     }
-    // Tables that come while the program runs count from then on, each for itself.
+    // Tables that are created while the program runs are used from then on, each independently.
     for (const char* name : tables)
         m_db->exec(u"DROP TABLE IF EXISTS %1;"_s.arg(name));
     open();

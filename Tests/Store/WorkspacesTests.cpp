@@ -58,7 +58,7 @@ TEST_F(WorkspacesTest, theRowWinsOverTheCopyAndTheCopyOverNothing)
     m_db->exec("UPDATE sync_workspace_selection SET workspace_id=' \n';");
     EXPECT_EQ(activeWorkspaceId(*m_db), "local");
     EXPECT_EQ(selection(), (QStringList { "local", "local" }));
-    m_db->exec("UPDATE sync_workspace_selection SET workspace_id=' w3 ';"); // as another process wrote it
+    m_db->exec("UPDATE sync_workspace_selection SET workspace_id=' w3 ';"); // as written by another process
     m_db->exec("BEGIN;");
     EXPECT_EQ(activeWorkspaceId(*m_db), "w3");
     EXPECT_TRUE(m_db->inTransaction()) << "whoever began it ends it";
@@ -83,7 +83,7 @@ TEST_F(WorkspacesTest, anEmptyWorkspaceIsLeftForTheFullestOnceAndWithANotice)
     EXPECT_EQ(consumeWorkspaceSelectionNotice(*m_db), std::nullopt);
 
     m_db->exec("UPDATE unified_conversation SET deleted_at=1 WHERE workspace_id='five';");
-    EXPECT_EQ(activeWorkspaceId(*m_db), "three"); // known from its rows alone
+    EXPECT_EQ(activeWorkspaceId(*m_db), "three"); // known only from its rows
     EXPECT_EQ(consumeWorkspaceSelectionNotice(*m_db), u"Workspace changed — showing three"_s);
 }
 
@@ -202,7 +202,7 @@ TEST_F(WorkspacesTest, theWebsListIsKeptAndSettlesTheSelection)
     addConversations("local", 1, 5);
     EXPECT_EQ(storeWorkspaceRows(*m_db, { workspace("a"), workspace("b", true), workspace("c") }, std::nullopt), "b");
     EXPECT_EQ(cell("SELECT workspace_id FROM unified_conversation;"), "b");
-    EXPECT_EQ(storeWorkspaceRows(*m_db, { workspace("a"), workspace("b") }, u"a"_s), "b"); // in use already
+    EXPECT_EQ(storeWorkspaceRows(*m_db, { workspace("a"), workspace("b") }, u"a"_s), "b"); // already in use
     EXPECT_EQ(table("SELECT workspace_id, workspace_name, org_id, is_default FROM sync_workspace ORDER BY 1"),
         (QStringList { "a|A|org-a|0", "b|B|org-b|0", "c|C|org-c|0" }));
     EXPECT_EQ(storeWorkspaceRows(*m_db, {}, u"a"_s), "b");

@@ -92,7 +92,7 @@ TEST(Graphics, badClaimsAreRefused)
     EXPECT_EQ(terminal.ask(command("a=t,s=40,v=40,i=1", pixels(1600))),
         "\x1b_Gi=1;EFBIG:larger than all images may be\x1b\\");
     EXPECT_EQ(terminal.ask(command("a=p,i=8,q=2")), "");
-    // The budget holds two of these; the oldest goes.
+    // The budget has room for two of these; the oldest is evicted.
     for (const char* id : { "1", "2", "3" })
         terminal << command(concat("a=t,s=20,v=20,i=", id), pixels(400));
     EXPECT_EQ(terminal.images().find(1), nullptr);
@@ -131,7 +131,7 @@ TEST(Graphics, otherFormatsKeepTheirPlaceUntilTheyAreDecoded)
         return size ? concat(size->width, 'x', size->height) : "none";
     };
     constexpr std::string_view frame("\xff\xc0\0\x11\x08\x01\0\x02\0", 9);
-    // The orientation of a picture that was taken upright.
+    // An EXIF orientation that rotates the image to portrait.
     constexpr std::string_view exif("\xff\xe1\0\x22"
                                     "Exif\0\0MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0\x06\0\0\0\0\0\0",
         36);

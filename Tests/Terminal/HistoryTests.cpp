@@ -6,7 +6,7 @@ namespace corvane::terminal {
 
 namespace {
 
-/// The whole text, with wrapped rows joined.
+/// The text of history and screen, with wrapped rows joined.
 std::string everything(Probe& terminal)
 {
     return dumpText(terminal);

@@ -6,7 +6,7 @@ namespace corvane::terminal {
 
 namespace {
 
-/// Every kind of byte that means something, in pieces that may be cut anywhere.
+/// Random sequences of valid, incomplete and invalid input.
 std::string hostileStream(unsigned seed)
 {
     constexpr std::string_view pieces[] = { "hello ", "\r\n", "\x1b[31;1m", "\x1b[0m", "\x1b[5;7H", "漢字", "e\u0301",

@@ -22,7 +22,7 @@ public:
         return *this;
     }
 
-    /// A row's text, blanks as spaces, without those at the end.
+    /// A row's text, with blanks as spaces and without trailing ones.
     std::string line(int64_t row)
     {
         RowView view;
@@ -43,7 +43,7 @@ public:
         return content;
     }
 
-    /// What the terminal answers to the bytes.
+    /// The terminal's reply to the bytes.
     std::string ask(std::string_view bytes)
     {
         consumeReplies(replies().size());

@@ -39,7 +39,7 @@ TEST(Screen, clustersTakeOneCellWhereTheModeIsSet)
     EXPECT_EQ(terminal.line(1), "e\u0301|👩‍🚀|\u2764\ufe0f|🇩🇪|");
     EXPECT_EQ(terminal.where(), "1,11");
     EXPECT_EQ(terminal.ask("\x1b[?2027$p\x1b[62;1\"p\x1b[?2027$p\x1b[65;1\"p"), "\x1b[?2027;1$y");
-    Probe first; // cluster of all
+    Probe first; // as the first cluster
     first << "\x1b[?2027h👩‍🚀|";
     EXPECT_EQ(first.where(), "0,3");
 }
@@ -71,7 +71,8 @@ TEST(Screen, aLineOfDoubleWidthHidesItsRightHalfUntilItIsSingleAgain)
 
 TEST(Screen, theCursorStaysInARowOfDoubleWidthThatComesToIt)
 {
-    // By DECFI, by scrolling up and down, by reverse wrap, from the other screen, and there with side margins.
+    // By DECFI, by scrolling up and down, by reverse wrap, and by returning from the other screen, also with side
+    // margins.
     for (const char* bytes : { "\x1b#6\x1b[1;4H\x1b"
                                "9",
              "\x1b[2;1H\x1b#6\x1b[1;8H\x1b[S", "\x1b#6\x1b[2;8H\x1b[T", "\x1b#6\x1b[2;1H\x1b[?45h\b",

@@ -63,7 +63,7 @@ TEST(Session, aFloodArrivesWhole)
     Session session({ 80, 24 }, {}, std::move(taps));
     ASSERT_TRUE(session.start(shell("seq 1 200000")));
     ASSERT_TRUE(session.waitForExit(60s));
-    EXPECT_EQ(bytes, 1'488'895u); // with a carriage return a line
+    EXPECT_EQ(bytes, 1'488'895u); // each line ends with CR LF
     const auto terminal = session.terminal();
     RowView row;
     terminal->readRow(-1, row);

@@ -28,7 +28,7 @@ terminal::Command script(const std::string& text)
 
 class Terminals : public testing::Test {
 protected:
-    /// With its shell started, as when a view shows it.
+    /// Opens a session and starts its shell, as showing it in a view does.
     LumoTerminalSession& open(const std::string& text)
     {
         LumoTerminalSession& session = view.createLocalSession(u"Test Run"_s, script(text));
@@ -102,7 +102,7 @@ TEST_F(Terminals, closingAndQuittingAskWhileAProgramRuns)
     EXPECT_EQ(view.count(), 1);
 
     EXPECT_TRUE(view.asksBeforeQuit());
-    EXPECT_FALSE(view.asksBeforeQuit()); // who asks twice means it
+    EXPECT_FALSE(view.asksBeforeQuit()); // the second request is not questioned
     QSignalSpy quit(&view, &TerminalsView::quitConfirmed);
     view.answer(true);
     EXPECT_EQ(quit.size(), 1);
@@ -140,7 +140,7 @@ TEST_F(Terminals, aFileInTheOutputOpensInTheEditorElseInTheDesktopsProgram)
     EXPECT_EQ(editor.label(), u"notes.txt"_s);
     editor.view({ 60, 10 });
     EXPECT_TRUE(awaitText(editor, u"one line"_s));
-    EXPECT_EQ(editor.runningCommand(), u"tail"_s); // closing asks, though it has no shell
+    EXPECT_EQ(editor.runningCommand(), u"tail"_s); // so closing asks, although there is no shell
 
     qunsetenv("EDITOR");
     view.openLink(path + u":1"_s);
@@ -205,7 +205,7 @@ TEST_F(Terminals, aViewThatIsScrolledBackStaysOnItsText)
 
     session.search()->setShown(true);
     session.search()->setText(u"27"_s);
-    EXPECT_EQ(session.search()->status(), u"1 of 13"_s); // 27, 127, 227 and 270 to 279
+    EXPECT_EQ(session.search()->status(), u"1 of 13"_s); // matches 27, 127, 227 and 270 to 279
     session.search()->next();
     EXPECT_EQ(session.search()->status(), u"2 of 13"_s);
 }

@@ -16,7 +16,8 @@ TEST(Transcript, theLastCharactersStayWhateverCameBeforeThem)
     EXPECT_EQ(transcript.snapshot(24'000), QString(23'999, u'b') + u'c');
     EXPECT_EQ(transcript.snapshot(10).size(), 500);
 
-    // A flood is cut now and then; what is left is the same. A cluster counts as one character.
+    // A flood of output is truncated now and then, without changing the remaining text. A cluster counts as one
+    // character.
     TerminalTranscriptBuffer flooded;
     const QString family = u"👩‍👩‍👧"_s;
     for (int i = 0; i < 40; ++i)
@@ -32,7 +33,7 @@ TEST(Transcript, whatMovesTheCursorIsLeftOutAndSoIsWhatIsNoText)
     TerminalTranscriptBuffer transcript;
     transcript.received("good ");
     transcript.received("bad \xff\xfe");
-    transcript.received("gr\xc3"); // cut between two reads
+    transcript.received("gr\xc3"); // split between two reads
     transcript.received("\xbc\xc3\x9f\r\n");
     EXPECT_EQ(transcript.snapshot(500), u"good grüß"_s);
 }

@@ -20,7 +20,7 @@
 using namespace corvane;
 namespace {
 
-/// The first words of the sentence, for who does not care.
+/// The first words of the sentence, for tests in which the text does not matter.
 QByteArray someWords()
 {
     constexpr qsizetype secondAndAHalf = 44 + 48'000;

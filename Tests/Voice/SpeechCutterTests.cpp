@@ -10,7 +10,7 @@ namespace {
 
 constexpr int rate = speechFormat.rate;
 
-/// Sound that rises and falls as words do, over a little noise; level 0 is silence.
+/// Sound with the rhythm of speech over slight noise; level 0 is silence.
 QList<float> sound(int seconds, float level)
 {
     QList<float> samples;
@@ -47,7 +47,7 @@ TEST(SpeechCutter, pausesAreLeftOutAndTimesLeadBackIntoTheSound)
     cutter.take(sound(5, 0) + sound(5, 0.3F), true);
     const auto cut = cutter.next();
     ASSERT_TRUE(cut);
-    EXPECT_NEAR(double(cut->samples.size()) / rate, 11.2, 0.5); // half a second around each voice
+    EXPECT_NEAR(double(cut->samples.size()) / rate, 11.2, 0.5); // with half a second of padding on each side
     ASSERT_EQ(cut->stretches.size(), 2);
     EXPECT_NEAR(double(cut->soundMs(500)), 10'000, 250);
     EXPECT_NEAR(double(cut->soundMs(7'000)), 25'900, 500);
@@ -68,6 +68,6 @@ TEST(SpeechCutter, aLongTalkComesInPartsThatEndInPauses)
         }
     }
     ASSERT_EQ(cuts.size(), 3);
-    EXPECT_NEAR(double(cuts[1].soundMs(0)) / 1000, 260, 15); // the next begins where the first stopped
+    EXPECT_NEAR(double(cuts[1].soundMs(0)) / 1000, 260, 15); // begins where the previous one ended
     EXPECT_NEAR(double(samples) / rate, 60 * 9, 20);
 }

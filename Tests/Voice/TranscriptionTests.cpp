@@ -74,7 +74,7 @@ TEST_F(Transcription, withoutAModelTheBasicRecogniserHearsEnglish)
 {
     double progress = 0;
     const auto outcome = transcribe({ .audioPath = spoken, .locale = u"en_GB"_s, .onProgress = [&](double done) {
-                                         EXPECT_GE(done, progress - 0.2); // a pause at the end was read before
+                                         EXPECT_GE(done, progress - 0.2); // a pause may be read ahead
                                          progress = done;
                                      } });
     ASSERT_TRUE(outcome) << qPrintable(describe(outcome.error()));
@@ -123,7 +123,7 @@ TEST_F(Transcription, aModelIsTakenBeforeTheBasicRecogniserAndItsFailureAfter)
     EXPECT_EQ(outcome->model, model);
     EXPECT_EQ(outcome->text, QLatin1StringView(heardWord));
 
-    // A model that went bad after it was installed.
+    // A model file that was damaged after installation.
     install(file.left(file.size() / 2));
     const auto second = transcribe({ .audioPath = spoken, .locale = u"en"_s });
     ASSERT_TRUE(second) << qPrintable(describe(second.error()));

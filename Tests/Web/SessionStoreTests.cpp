@@ -45,7 +45,7 @@ protected:
 
     void open() { session = std::make_unique<SessionStore>(home.paths(), keychain, defaults, desktop, clock); }
 
-    /// A web service on which everything goes well.
+    /// Makes every request of a sign-in succeed.
     void answerWell(const QString& token = tokenOf(R"({"email":"ana@ruiz.example","name":"Ana Ruiz"})"))
     {
         web.answer(loginPath, LoopbackWeb::json({ { "data", QJsonObject { { "accessToken", "short-term" } } } }));
@@ -363,7 +363,7 @@ TEST_F(Session, claimsAreReadFromAnyPaddingAndKeptWhereATokenHasNone)
 {
     session->setAuth("opaque", "d");
     EXPECT_EQ(session->displayLine(), "Signed in");
-    // The lengths of these claims leave zero, one and two padding characters.
+    // These claims need zero, one and two padding characters.
     for (const QByteArray& name : QList<QByteArray> { "An", "Ana", "Anna", "Ünï>?" }) {
         session->setAuth(tokenOf("{\"name\":\"" + name + "\"}"), "d");
         EXPECT_EQ(session->userName(), QString::fromUtf8(name));

@@ -116,7 +116,7 @@ TEST_F(WebSyncTest, aSignOutEndsARefreshAndASignInBeginsOne)
     EXPECT_TRUE(sync.syncing());
     EXPECT_TRUE(await([this] { return !sync.workspaces().isEmpty(); }));
     web.plan("bootstrap=stall");
-    sync.refresh(); // and the end of the program in the middle
+    sync.refresh(); // destroyed while the request is in flight
 }
 
 }

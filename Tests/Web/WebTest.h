@@ -11,7 +11,7 @@
 
 namespace corvane {
 
-/// A real database, the stand-in of the web service, and somebody who is signed in to it.
+/// A real database, a fake web service and a signed-in user.
 class WebTest : public StoreTest {
 protected:
     WebTest()

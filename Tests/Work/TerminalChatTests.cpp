@@ -58,7 +58,7 @@ TEST_F(TerminalChat, aQuestionIsWrittenFirstAndAnsweredOnce)
     EXPECT_EQ(chat.status() + chat.actionLabel(), "LumoAI is reading LocalDB context...Asking");
     EXPECT_EQ(lumo.model.asked.first().instructions, terminalChatInstructions());
     EXPECT_TRUE(lumo.model.asked.first().prompt.contains("Oskel: What is open?")) << "it is among the rows";
-    chat.setContext(u"ops"_s, context(u"June"_s)); // the person went elsewhere
+    chat.setContext(u"ops"_s, context(u"June"_s)); // the user switched to another context
     answer.arrive(FakeLanguageModel::text("Only pay the clay."));
     EXPECT_FALSE(chat.busy());
     EXPECT_EQ(table("SELECT context_id, speaker, role, kind FROM work_message ORDER BY rowid;"),

@@ -104,7 +104,7 @@ TEST_F(WorkShell, itemsAreMovedByHandWithAWayBack)
     EXPECT_EQ(board.undoText(), "") << "it stands at the end";
     board.move(id, 3);
     EXPECT_EQ(fetchWorkItem(*m_db, id)->status, "done");
-    updateWorkItemStatus(*m_db, id, u"waiting"_s); // by an agent
+    updateWorkItemStatus(*m_db, id, u"waiting"_s); // as an agent does
     board.undo();
     EXPECT_EQ(fetchWorkItem(*m_db, id)->status, "waiting") << "whoever moved it on meant it";
     shell.refresh();

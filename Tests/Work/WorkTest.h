@@ -10,7 +10,7 @@
 
 namespace corvane {
 
-/// The room over a real database, a clock that is moved by hand, and an assistant that a test answers for.
+/// Work services with a real database, a virtual clock and a fake assistant.
 class WorkTest : public StoreTest {
 protected:
     WorkContextRow context(const QString& title, const QString& module = u"ops"_s)

@@ -24,14 +24,14 @@ TEST(WorkWords, theRiskIsThatOfTheFirstGroupWithASign)
     };
     for (const Case& each : {
              Case { "task", "Client update for payment", "", "money" },
-             Case { "task", "Pay", "", "money" }, // the blank of the join
+             Case { "task", "Pay", "", "money" }, // matches the space between title and summary
              Case { "task", "Check payroll", "of May", "" },
              Case { "task", "Payroll", "vendor", "money" },
              Case { "reply", "Ana", "", "external" },
              Case { "task", "Send the secret", "", "external" },
              Case { "task", "Rotate API key", "", "credential" },
              Case { "task", "Tidy", "then Deploy", "high" },
-             Case { "task", "Rename the api", "key", "credential" }, // across the join
+             Case { "task", "Rename the api", "key", "credential" }, // matches across title and summary
              Case { "", "", "", "" },
          })
         EXPECT_EQ(riskForCreate(each.kind, each.title, each.summary).value_or(QString()), each.risk) << each.title;
