@@ -13,7 +13,7 @@ namespace corvane {
 
 namespace {
 
-/// What agents left for the owner of the workshop.
+/// Inserts drafts, CRM updates and decisions that agents left for the owner.
 void letItemsWait(LocalDB& db, const QString& megan, const QString& hannah)
 {
     const auto draft = [&](const QString& contact, const QString& text) {
@@ -44,7 +44,7 @@ VALUES('w1','ops','Pay the clay delivery','proposed','Transfer 412.80 EUR to Arc
 ('w5','cx','Answer reviews once a week','proposed','Collect them on Fridays.','','routine','1','1');)"_s);
 }
 
-/// One of each kind, as if their five seconds were over.
+/// Decides on one of each kind, without the five-second undo window.
 void decideSome(DraftDelivery& delivery)
 {
     LocalDB& db = delivery.db();

@@ -6,7 +6,7 @@ namespace corvane {
 
 namespace {
 
-/// The pane beside the thread, from its head or from its foot.
+/// Scrolls the pane beside the thread to its top or bottom.
 void scrollTo(Gallery& gallery, bool toTheFoot)
 {
     if (QQuickItem* view = gallery.item(u"contact.view"_s))
@@ -21,7 +21,7 @@ void drawContact(Gallery& gallery)
 {
     InboxView& inbox = gallery.screens().inbox;
     inbox.person()->select(u"ct:WHATSAPP:351900000190@s.whatsapp.net"_s);
-    gallery.wait(Milliseconds(800)); // who may be the same person comes after a pause
+    gallery.wait(Milliseconds(800)); // suggestions for merging appear after a delay
     gallery.save(u"contact-pane"_s, { Look::Light, Look::Dark });
     scrollTo(gallery, true);
     gallery.save(u"contact-pane-below"_s, { Look::Light, Look::Dark });

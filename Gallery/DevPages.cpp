@@ -16,7 +16,7 @@ constexpr Milliseconds pause { 500 };
 
 LumoTerminalSession& openTerminal(Gallery& gallery)
 {
-    // The script's output stands for a shell's: the gallery draws the same on each machine.
+    // A script stands in for a shell, so that the output is the same on each machine.
     LumoTerminalSession& session = gallery.screens().terminals.createLocalSession(
         u"shell"_s, { "/bin/sh", { "-c", "Gallery/terminal.sh; cat" }, {}, QDir::currentPath().toStdString(), {} });
     session.rename(u"shop-shell-1"_s);
@@ -31,7 +31,7 @@ bool waitFor(Gallery& gallery, const std::function<bool()>& condition)
     return condition();
 }
 
-/// The demonstration's page in a real browser; where none is installed, its pictures are left out.
+/// The demo's page in a real browser; skipped if none is installed.
 void drawBrowser(Gallery& gallery)
 {
     if (chromiumPath().isEmpty())
@@ -102,7 +102,7 @@ void drawDev(Gallery& gallery)
     Screens& screens = gallery.screens();
     TerminalWorkspaceView& dev = screens.dev;
     screens.shell.selectHub(u"dev"_s);
-    waitFor(gallery, [&dev] { // the demonstration writes its records a few seconds after the start
+    waitFor(gallery, [&dev] { // the demo writes its records a few seconds after the start
         dev.refresh();
         return !dev.rail()->projects()->rows().isEmpty();
     });

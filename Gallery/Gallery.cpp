@@ -43,7 +43,7 @@ Gallery::~Gallery()
     m_app.willTerminate();
 }
 
-// The start sequence stays out: it would take the tool server's port from a program that runs beside.
+// Skips the start sequence, which would take the tool server's port from another running instance.
 void Gallery::open()
 {
     m_window.show();

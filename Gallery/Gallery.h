@@ -11,17 +11,17 @@
 
 namespace corvane {
 
-/// In which colours and size a picture is drawn.
+/// The colour scheme and window size of an image.
 enum class Look { Light, Dark, LightSmall, DarkSmall };
 
-/// The real window over the real view models and a database that the demonstration engines filled.
+/// The real window with real view models and a database filled by the demo engines.
 class Gallery {
 public:
-    /// Pictures go into `folder`; the clock stands at `nowMs`.
+    /// Images are written to `folder`; the clock stands at `nowMs`.
     Gallery(const QString& folder, qint64 nowMs);
     ~Gallery();
 
-    /// Shows the empty window, starts the engines and waits until they have told everything.
+    /// Shows the empty window, starts the engines and waits until they have reported everything.
     void open();
 
     CorvaneApp& app() { return m_app; }
@@ -33,12 +33,12 @@ public:
     PictureModel& model() { return *m_model; }
 
     void wait(Milliseconds duration);
-    /// Draws what is on the screen.
+    /// Saves an image of the window in each look.
     void save(const QString& name, std::initializer_list<Look> looks = { Look::Light, Look::Dark });
     void savePanel(const QString& name, std::initializer_list<Look> looks = { Look::Light, Look::Dark });
     void saveOther(QQuickWindow& window, const QString& name); ///< at its own size
     void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
-    QQuickItem* item(const QString& name); ///< null where there is none of that name
+    QQuickItem* item(const QString& name); ///< null if there is no such item
     QString contactNamed(const QString& name); ///< its id
     void openThread(const QString& contactName);
 

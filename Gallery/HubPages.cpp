@@ -12,7 +12,7 @@ namespace {
 constexpr Milliseconds pause { 400 };
 const std::initializer_list<Look> everyLook { Look::Light, Look::Dark, Look::LightSmall };
 
-/// Each of the tabs of a context.
+/// Draws each tab of a context.
 void drawTabs(Gallery& gallery, WorkModuleShell& shell, const QString& context, const QString& name)
 {
     shell.rail()->select(context);
@@ -29,10 +29,10 @@ void drawOps(Gallery& gallery)
     OpsHub& ops = gallery.screens().ops;
     WorkModuleShell& shell = *ops.shell();
     gallery.screens().shell.selectHub(u"ops"_s);
-    constexpr int longestWait = 40; // the demonstration writes its records a few seconds after the start
+    constexpr int longestWait = 40; // the demo writes its records a few seconds after the start
     for (int i = 0; shell.rail()->contextRows().isEmpty() && i < longestWait; ++i)
         gallery.wait(pause);
-    const QList<TabItem> places = shell.rail()->places(); // their counts change while they are walked
+    const QList<TabItem> places = shell.rail()->places(); // a copy, since the counts change during iteration
     for (const TabItem& place : places) {
         shell.rail()->setPlace(place.id);
         gallery.wait(pause);
@@ -86,7 +86,7 @@ void drawOps(Gallery& gallery)
     shell.rail()->setPlace(u"home"_s);
 }
 
-/// Every hub where no agent and no person has written anything yet.
+/// Every hub without any records.
 void drawEmpty(Gallery& gallery)
 {
     for (const char* table : { "work_context", "work_item", "work_evidence", "work_memory", "work_agent", "project",

@@ -17,7 +17,7 @@ namespace corvane {
 
 namespace {
 
-/// A draft of the assistant to whoever is open, with the question whether it goes out.
+/// Queues a draft by the assistant to the open contact, which waits for approval.
 void queueReply(Gallery& gallery, const QString& text)
 {
     LocalDB& db = gallery.db();
@@ -36,8 +36,8 @@ void searchFor(Gallery& gallery, const QString& words)
     gallery.wait(Milliseconds(500));
 }
 
-/// A mail with a subject and files that is being written, and one of an agent's that waits. In the thread that is open,
-/// which is one of mails.
+/// A mail with a subject and attachments that is being written, and an agent's draft that waits. Expects an open mail
+/// thread.
 void drawFiles(Gallery& gallery)
 {
     Composer& composer = *gallery.screens().inbox.reply()->composer();

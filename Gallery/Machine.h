@@ -1,6 +1,6 @@
 #pragma once
 
-// The machine that the pictures of tools/gallery show: real where it moves the program, and the same each time.
+// The machine shown in the images of tools/gallery: real where the program needs it, and the same in each run.
 
 #include "Foundation/Literals.h"
 #include "Sound.h"
@@ -32,7 +32,7 @@
 
 namespace corvane {
 
-/// The demonstration's hour for ever; waits are real.
+/// A clock that stays at the demo's time; waits are real.
 class StandingClock final : public Scheduler {
 public:
     explicit StandingClock(qint64 nowMs)
@@ -42,7 +42,7 @@ public:
     qint64 nowMs() const override { return m_nowMs; }
     qint64 monotonicMs() const override { return m_system.monotonicMs(); }
     void move(Milliseconds by) { m_nowMs += by.count(); }
-    void waitAtMost(Milliseconds longest) { m_longest = longest; } ///< what is asked from now on comes sooner
+    void waitAtMost(Milliseconds longest) { m_longest = longest; } ///< caps the delay of timers from now on
     std::unique_ptr<Timer> after(Milliseconds delay, std::function<void()> callback) override
     {
         return m_system.after(std::min(delay, m_longest), std::move(callback));
@@ -58,7 +58,7 @@ private:
     SystemScheduler m_system;
 };
 
-/// A desktop that is light or dark as the picture wants it, and never moves.
+/// A desktop with a given colour scheme and reduced motion.
 class PictureDesktop final : public Desktop {
 public:
     void openInBrowser(const QUrl&) override { }
@@ -74,7 +74,7 @@ public:
     ColourScheme scheme = ColourScheme::Light;
 };
 
-/// A model that says what the picture wants; where it wants nothing, it is asked for ever.
+/// A model that gives the answer an image needs; without one, requests wait until they are cancelled.
 class PictureModel final : public SystemLanguageModel {
 public:
     void choose(const Choice&) override { }
@@ -115,7 +115,7 @@ public:
     std::optional<QString> reason;
 
 private:
-    /// Of the last message that the prompt tells.
+    /// The label of the last message in the prompt.
     static QString newestLabel(const QString& prompt)
     {
         static const QRegularExpression line(u"^\\[(M\\d+)\\]"_s, QRegularExpression::MultilineOption);
@@ -126,7 +126,7 @@ private:
     }
 };
 
-/// A machine that is the same in every picture.
+/// Machine facts that are the same in every image.
 class PictureFacts final : public MachineFacts {
 public:
     SystemVersion version() const override { return { 6, 1, 0 }; }
@@ -141,7 +141,7 @@ public:
     }
 };
 
-/// A desktop that gives a program each key that it wishes for.
+/// A desktop that grants every requested shortcut.
 class PictureKeys final : public GlobalShortcuts {
 public:
     void bind(const GlobalShortcut& shortcut) override
@@ -160,7 +160,7 @@ private:
     QHash<QString, GlobalShortcutState> m_states;
 };
 
-/// Of the machine only how text would get to other programs.
+/// Reports how text would be inserted into other programs, and inserts none.
 class PictureInsertion final : public TextInsertion {
 public:
     InsertionWay way() const override { return InsertionWay::PasteKeys; }

@@ -4,7 +4,7 @@ namespace corvane {
 
 class Gallery;
 
-// Each starts in the inbox and leaves it as it was.
+// Each starts in the inbox and returns to it.
 
 void drawInbox(Gallery& gallery);
 void drawAssistant(Gallery& gallery);

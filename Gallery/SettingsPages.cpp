@@ -16,8 +16,8 @@ namespace corvane {
 
 namespace {
 
-/// The sheets that connect channels. The demonstration's engine finds mail servers by the domain, and refuses the
-/// password "wrong".
+/// The sheets that connect channels. The demo's engine finds mail servers by the domain, and rejects the password
+/// "wrong".
 void drawConnectSheets(Gallery& gallery)
 {
     AccountsView& accounts = *gallery.screens().settings.accounts();
@@ -56,7 +56,7 @@ void drawConnectSheets(Gallery& gallery)
     form.close();
 }
 
-/// Two models in the settings, and a third whose address is refused.
+/// Two speech models in the settings, and a third whose URL is rejected.
 void addSpeechModels(SpeechModelStore& store, VoiceSettings& settings)
 {
     for (const char* const file : { "ggml-base.bin", "ggml-small.en.bin" }) {
@@ -78,8 +78,8 @@ void addSpeechModels(SpeechModelStore& store, VoiceSettings& settings)
 
 void drawSettings(Gallery& gallery)
 {
-    // A second phone that waits to be linked, an account that is paused, one whose token is refused, one that
-    // is starting, and one whose engine does not exist, so that it gave up.
+    // A second phone that waits for pairing, a paused account, one whose token is rejected, one that is starting, and
+    // one whose engine does not exist, so that it gave up.
     qputenv("CORVANE_DEMO_PAIRING_SECONDS", "3600");
     AccountStore& accounts = gallery.app().store();
     const Account phone = accounts.add(u"Workshop phone"_s, Channel::WhatsApp);

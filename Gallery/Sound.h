@@ -1,6 +1,6 @@
 #pragma once
 
-// The sound of the machine that the pictures show.
+// The audio devices of the machine shown in the images.
 
 #include "Foundation/Literals.h"
 #include "Platform/CallAudio.h"
@@ -10,7 +10,7 @@
 
 namespace corvane {
 
-/// A microphone that is there; voice notes stay as they are on this machine.
+/// A microphone that grants access; voice notes use the real one.
 class PictureMicrophone final : public Microphone {
 public:
     explicit PictureMicrophone(std::unique_ptr<Microphone> real)
@@ -24,7 +24,7 @@ private:
     std::unique_ptr<Microphone> m_real;
 };
 
-/// A call that is twelve minutes old.
+/// A call recording of twelve minutes.
 class PictureTrack final : public TrackRecording {
 public:
     double elapsedSeconds() const override { return 724; }

@@ -14,7 +14,7 @@ namespace corvane {
 
 namespace {
 
-/// The stand-in of the web service, at the same place in each run, since a sheet shows it.
+/// A fake web service at the same address in each run, since a sheet shows the address.
 class Service {
 public:
     explicit Service(Gallery& gallery)

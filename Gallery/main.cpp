@@ -1,5 +1,5 @@
-// Renders every screen and state of the window into a folder of pictures. The clock stands still, so that each run
-// draws the same.
+// Renders every screen and state of the window into a folder of images. The clock stands still, so that each run draws
+// the same.
 
 #include "Foundation/Literals.h"
 #include "Gallery.h"
@@ -22,7 +22,7 @@ struct Page {
     void (*draw)(Gallery&);
 };
 
-/// In the order in which they are drawn; the wall signs out.
+/// In drawing order; the sign-in wall signs out, so it comes last.
 const Page pages[] = {
     { u"inbox"_s, drawInbox },
     { u"assistant"_s, drawAssistant },
