@@ -21,7 +21,7 @@ namespace {
 
 enum class Word { Start, Reap };
 
-int nursery = -1; ///< the socket to it
+int nursery = -1; ///< the socket to the process that starts children
 
 void redirect(int descriptor, const QByteArray& path)
 {

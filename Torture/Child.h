@@ -4,21 +4,21 @@
 
 namespace corvane::torture {
 
-/// What a child runs when it is not another program; its result is the exit code.
+/// What a child runs if it has no program of its own; returns the exit code.
 using Host = int (*)(const QStringList& arguments);
 
-/// Forks the process that starts all children. To be called first of all, while this one has no threads and no open
-/// files: a fork of it is a program that was loaded already.
+/// Forks the process that starts all children. Must be called first, while this process has no threads and no open
+/// files. Forking that process is faster than loading a program again.
 void openNursery(Host host);
 
 struct ChildOrder {
-    QString program; ///< a path; empty for the host
+    QString program; ///< a path; empty runs the host
     QStringList arguments;
-    QStringList environment; ///< all of it, as "NAME=value"
-    QString log; ///< gets its standard error
+    QStringList environment; ///< the complete environment, as "NAME=value"
+    QString log; ///< the file for its standard error
 };
 
-/// A process that dies with this one.
+/// A child process, killed when this object is destroyed or this process ends.
 class Child {
 public:
     Child() = default;
@@ -26,13 +26,13 @@ public:
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
-    void start(const ChildOrder& order); ///< not while it runs
+    void start(const ChildOrder& order); ///< must not be running already
     bool isRunning() const;
     int processId() const { return m_pid; }
-    bool waitForEnd(int milliseconds); ///< false if it still runs; true if there is none
-    void terminate(); ///< asks it to end
-    void kill(); ///< at once
-    int exitCode() const { return m_exitCode; } ///< of the last one, after its end; -1 after a signal
+    bool waitForEnd(int milliseconds); ///< false if it is still running; true if there is none
+    void terminate(); ///< sends SIGTERM
+    void kill(); ///< sends SIGKILL
+    int exitCode() const { return m_exitCode; } ///< of the last run, once it has ended; -1 after a signal
 
 private:
     int m_pid = 0;

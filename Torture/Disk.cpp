@@ -1,4 +1,4 @@
-// The program on a disk that is full, and beside another program that holds the database.
+// Runs the program on a full disk, and while another program holds the database's lock.
 
 #include "Ordeal.h"
 #include "Profile.h"
@@ -14,7 +14,7 @@ namespace corvane::torture {
 
 namespace {
 
-/// Messages go on being stored; what was acknowledged is there, once.
+/// Storing messages resumes, and every acknowledged message is stored exactly once.
 void checkAfter(Profile& profile, Tally& tally)
 {
     const qint64 wanted = profile.books().acknowledged() + 200;
@@ -33,7 +33,7 @@ void checkAfter(Profile& profile, Tally& tally)
         tally.faults.append(u"the database is damaged: "_s + trouble);
 }
 
-/// The data folder lies on a disk of its own. A file takes what room it has, until it is deleted.
+/// Puts the data folder on a separate disk, which a file fills up until it is deleted.
 class SmallDisk final : public Ordeal {
 public:
     explicit SmallDisk(const QString& program)
@@ -63,7 +63,7 @@ public:
         qint64 before = -1;
         const auto standsStill = [&] {
             const qint64 last = std::exchange(before, m_profile.books().acknowledged());
-            pause(2000); // the engine tells a message each millisecond
+            pause(2000); // the engine sends a message each millisecond
             return last == m_profile.books().acknowledged();
         };
         if (!waitFor(standsStill))
@@ -89,7 +89,7 @@ private:
     const QByteArray m_disk;
 };
 
-/// Longer and shorter than anybody waits for a lock.
+/// Holds the lock for a random time, sometimes longer than every lock timeout.
 class HeldDatabase final : public Ordeal {
 public:
     explicit HeldDatabase(const QString& program)

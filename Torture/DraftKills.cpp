@@ -1,4 +1,4 @@
-// The program is killed while a person decides on drafts, and while they are sent.
+// Kills the program while a person decides on drafts, and while drafts are sent.
 
 #include "Hosted.h"
 #include "Ordeal.h"
@@ -15,7 +15,7 @@ namespace corvane::torture {
 
 namespace {
 
-/// Drafts of one conversation, and what became of them.
+/// The drafts of one conversation and their states.
 class Drafts {
 public:
     explicit Drafts(Profile& profile)
@@ -38,7 +38,7 @@ public:
             m_written + 1);
     }
 
-    /// Each is there, none went out twice, and what counts as sent went out.
+    /// Checks that every draft exists, none was sent twice, and those marked as sent were sent.
     void check(LocalDB& db, Tally& tally) const
     {
         const QStringList sent = m_profile.books().sent();
@@ -106,12 +106,13 @@ private:
         }
     }
 
-    static constexpr int drafts = 20; // for each life
+    static constexpr int drafts = 20; // per run of the program
     Profile m_profile;
     Drafts m_drafts { m_profile };
 };
 
-/// A person approves drafts and takes every other verdict back. The window is the program's, so it is always hosted.
+/// A person approves drafts and undoes every other approval. Always runs the hosted program, which simulates the
+/// person.
 class UndoKills final : public Ordeal {
 public:
     void round(Tally& tally, Random& random) override
@@ -152,7 +153,7 @@ private:
         return fetchDrafts(db, { DraftStatus::Pending }, all);
     }
 
-    /// What was taken back goes, and new drafts take its place and that of the sent ones.
+    /// Rejects the drafts whose approval was undone, and adds new ones in place of these and the sent ones.
     void begin(LocalDB& db)
     {
         const QSet<QString> undone = takenBack();
@@ -183,7 +184,7 @@ private:
         }
     }
 
-    static constexpr int drafts = 10; // at the start of each life
+    static constexpr int drafts = 10; // at the start of each run
     Profile m_profile { QString() };
     Drafts m_drafts { m_profile };
 };

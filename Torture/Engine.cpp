@@ -17,10 +17,10 @@ namespace {
 
 constexpr auto booksVariable = "CORVANE_TORTURE";
 constexpr auto ordersVariable = "CORVANE_TORTURE_ORDERS";
-constexpr int repeatedSends = 200; // told again at each start
+constexpr int repeatedSends = 200; // acknowledged again at each start
 constexpr int conversations = 50;
 
-/// One call to the system: a kill comes before it or after it.
+/// A single system call, so that a kill happens either before or after the write.
 void append(const QString& path, const QByteArray& line)
 {
     const int file = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
@@ -121,7 +121,7 @@ private:
     EngineBooks m_books;
     const EngineOrders m_orders;
     qint64 m_next;
-    const qint64 m_paced; ///< the first with a pause after it
+    const qint64 m_paced; ///< the first message followed by a pause
     const qint64 m_last;
     QByteArray m_out;
     QByteArray m_in;

@@ -6,8 +6,8 @@ class QProcessEnvironment;
 
 namespace corvane::torture {
 
-/// The played engine and what it and the torture know of each other: files of lines in a folder, to which each adds. An
-/// engine tells numbered messages, from the first that was never acknowledged on, and "sends" drafts.
+/// The records that the simulated engine and the tests share: append-only files of lines in a folder. An engine sends
+/// numbered messages, starting at the first unacknowledged one, and "sends" drafts.
 class EngineBooks {
 public:
     explicit EngineBooks(const QString& folder)
@@ -15,8 +15,8 @@ public:
     {
     }
 
-    qint64 acknowledged() const; ///< the highest number that Corvane said is stored
-    QStringList sent() const; ///< a draft's id each time that it was sent
+    qint64 acknowledged() const; ///< the highest number that Corvane acknowledged as stored
+    QStringList sent() const; ///< the draft's id for each time that it was sent
     qsizetype lives() const; ///< how often the engine was started
 
     QStringList lines(const QString& book) const;
@@ -30,20 +30,20 @@ private:
     QString m_folder;
 };
 
-/// What the engine does in one life; handed over in the environment.
+/// What the engine does in one run; passed in the environment.
 struct EngineOrders {
-    int messages = 0; ///< how many it tells
-    int pauseMs = 0; ///< between two
-    int bytes = 40; ///< of a body, about
-    int atOnce = 0; ///< the first so many, without a pause
+    int messages = 0; ///< how many it sends
+    int pauseMs = 0; ///< between two messages
+    int bytes = 40; ///< approximate size of a body
+    int atOnce = 0; ///< how many of the first ones are sent without a pause
 };
 
 void giveOrders(QProcessEnvironment& environment, const QString& books, const EngineOrders& orders);
 
-/// The id of a message that the engine tells.
+/// The id of a message from the engine.
 QString messageId(qint64 number);
 
-/// As Corvane's "Node" does.
+/// Runs as the program that Corvane starts in place of Node.
 int runEngine(const QString& script);
 
 }

@@ -1,4 +1,4 @@
-// What Corvane takes for Node: a program that starts quickly.
+// Stands in for Node when Corvane starts an engine; starts faster.
 
 #include "Engine.h"
 

@@ -16,14 +16,14 @@ namespace {
 
 constexpr qint64 sectorBytes = 512;
 
-/// A write, or where `isTruncation`, a new size.
+/// A write, or a new size if `isTruncation` is set.
 struct Change {
     qint64 at = 0;
     QByteArray data;
     bool isTruncation = false;
 };
 
-/// What of a file has surely reached the disk, and what was written since.
+/// The part of a file that is synced to disk, and the changes since.
 struct OnDisk {
     QByteArray content;
     std::vector<Change> changes;
@@ -47,7 +47,7 @@ State& state()
 struct File {
     sqlite3_file base;
     OnDisk* disk; // null for temporary files
-    sqlite3_file* real; // lies behind this
+    sqlite3_file* real; // stored directly after this struct
 };
 
 File* mine(sqlite3_file* file)
@@ -65,7 +65,7 @@ bool isWithoutPower()
     return state().hasFailed && state().fault == Fault::PowerCut;
 }
 
-/// Counts an operation; true if it fails.
+/// Counts an operation; returns true if it must fail.
 bool fails()
 {
     State& now = state();
@@ -116,14 +116,14 @@ int writeFile(sqlite3_file* file, const void* from, int size, sqlite3_int64 at)
     if (isWithoutPower())
         return failureCode();
     const bool failed = fails();
-    if (!failed || isWithoutPower()) // the write that the power cut meets may be half done
+    if (!failed || isWithoutPower()) // a write interrupted by a power cut may be partly done
         note(file, { at, QByteArray(static_cast<const char*>(from), size), false });
     return failed ? failureCode() : realOf(file)->pMethods->xWrite(realOf(file), from, size, at);
 }
 
 int truncateFile(sqlite3_file* file, sqlite3_int64 size)
 {
-    if (fails() && isWithoutPower()) // a full disk can be made shorter
+    if (fails() && isWithoutPower()) // truncation works on a full disk
         return SQLITE_IOERR_TRUNCATE;
     note(file, { size, {}, true });
     return realOf(file)->pMethods->xTruncate(realOf(file), size);
@@ -164,7 +164,7 @@ int isFileReserved(sqlite3_file* file, int* result)
 int controlFile(sqlite3_file* file, int operation, void* argument)
 {
     if (operation == SQLITE_FCNTL_SIZE_HINT || operation == SQLITE_FCNTL_CHUNK_SIZE)
-        return SQLITE_OK; // both would write behind our back
+        return SQLITE_OK; // both would write without being recorded
     return realOf(file)->pMethods->xFileControl(realOf(file), operation, argument);
 }
 
@@ -226,7 +226,7 @@ int openFile(sqlite3_vfs* /*vfs*/, sqlite3_filename name, sqlite3_file* file, in
     return code;
 }
 
-/// Counts as done at once: filesystems keep a log of names.
+/// Counts as durable at once: filesystems journal their metadata.
 int deleteFile(sqlite3_vfs* /*vfs*/, const char* name, int syncs)
 {
     if (isWithoutPower())
@@ -236,13 +236,13 @@ int deleteFile(sqlite3_vfs* /*vfs*/, const char* name, int syncs)
     return state().real->xDelete(state().real, name, syncs);
 }
 
-/// A connection that waits for a lock of this same thread waits in vain, so it need not wait long.
+/// Locks are held by this same thread, so sleeping would not release them.
 int noSleep(sqlite3_vfs* /*vfs*/, int microseconds)
 {
     return microseconds;
 }
 
-/// In sectors, each of which is lost or kept; one may be half written.
+/// Each sector is lost, written, or partly written.
 void applyPartly(QByteArray& content, const Change& change, std::mt19937& random)
 {
     if (change.isTruncation) {

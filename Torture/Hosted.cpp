@@ -31,7 +31,7 @@ constexpr auto decidesVariable = "CORVANE_TORTURE_DECIDES";
 constexpr Milliseconds lookPeriod { 5 };
 const QString textStart = u"Draft "_s;
 
-/// The person in front of the window.
+/// Simulates the person at the window.
 class Person {
 public:
     Person(CorvaneApp& app, const QString& books)
@@ -56,7 +56,7 @@ private:
             if (draft.body.sliced(textStart.size()).toInt() % 2 == 0)
                 m_undos.push_back(
                     m_app.scheduler().after(Milliseconds(undoWindowMs / 2), [this, id = draft.id] { takeBack(id); }));
-            return; // one at a time, so that a kill meets some in each state
+            return; // one at a time, so that a kill hits drafts in each state
         }
     }
 

@@ -6,16 +6,16 @@ class QProcessEnvironment;
 
 namespace corvane::torture {
 
-/// Corvane without a window, as its own `main` starts it, or one of its commands.
+/// Runs Corvane without a window, as its own `main` does, or one of its commands.
 int runHosted(const QStringList& arguments);
 
-/// Where a hosted program decides on drafts, with a short undo window: approves those with an odd number, and takes
-/// the verdict on the others back. `books` are the engine's.
+/// Makes a hosted program decide on drafts, with a short undo window: approves them all, and undoes the approval of
+/// those with an even number. `books` is the engine's folder.
 void decideOnDrafts(QProcessEnvironment& environment, const QString& books);
 
 constexpr int undoWindowMs = 150;
 
-/// What the hosted program writes down after each such step: ids of drafts.
+/// Where the hosted program records each step, as draft ids.
 extern const QString armedBook;
 extern const QString undoneBook;
 

@@ -1,4 +1,4 @@
-// The program is killed in the middle of its work, again and again, on one profile. See also DraftKills.cpp.
+// Kills the program during its work, repeatedly, on one profile. See also DraftKills.cpp.
 
 #include "Ordeal.h"
 #include "Profile.h"
@@ -19,7 +19,7 @@ namespace corvane::torture {
 
 namespace {
 
-/// Of messages: what was acknowledged is there, once.
+/// Checks that every acknowledged message is stored exactly once.
 void checkMessages(Profile& profile, LocalDB& db, Tally& tally)
 {
     const qint64 acknowledged = profile.books().acknowledged();
@@ -64,11 +64,11 @@ public:
     }
 
 private:
-    static constexpr int messages = 200; // in each life
+    static constexpr int messages = 200; // per run of the program
     Profile m_profile;
 };
 
-/// A mirror with many messages, at once.
+/// Inserts many messages at once.
 void fill(LocalDB& db, int messages)
 {
     const QString conversation = ensureConversation(db, u"WHATSAPP"_s, account, u"old@torture"_s, u"Old"_s, 1);
@@ -131,7 +131,7 @@ private:
         m_buildMs = int(timer.elapsed());
     }
 
-    /// What the index answers is what reading every message answers.
+    /// The index must find the same messages as reading all of them.
     void check(Tally& tally, Random& random)
     {
         const auto db = reader(m_profile.paths().database());
@@ -140,7 +140,7 @@ private:
             const QString words = i == 0 ? u"kiln"_s : u"message %1"_s.arg(upTo(messages, random));
             const auto found = searchByIndex(*db, *index, words, 60, {});
             if (!found)
-                continue; // it says itself that it is incomplete
+                continue; // reports itself as incomplete
             ++tally.acknowledged;
             if (*found != searchMessages(*db, words, 60))
                 tally.faults.append(u"the index does not find “%1” as it should"_s.arg(words));
@@ -149,7 +149,7 @@ private:
             tally.faults.append(u"the database is damaged: "_s + trouble);
     }
 
-    static constexpr int messages = 5000; // taken in by several steps
+    static constexpr int messages = 5000; // enough for several indexing steps
     Profile m_profile;
     const QString m_index;
     const std::shared_ptr<std::atomic<bool>> m_never = std::make_shared<std::atomic<bool>>(false);
@@ -168,7 +168,7 @@ public:
     void round(Tally& tally, Random& random) override
     {
         if (m_tookMs == 0) {
-            m_profile.start({ 1'000'000, 5 }); // it goes on meanwhile
+            m_profile.start({ 1'000'000, 5 }); // keeps receiving messages during the backups
             backUp(tally);
         }
         const auto backup = m_profile.command({ u"backup"_s, m_file });

@@ -12,13 +12,13 @@ class LocalDB;
 
 namespace corvane::torture {
 
-/// What the rounds of an ordeal found.
+/// The results of one test.
 struct Tally {
     int runs = 0; ///< kills, cuts and so on
-    qint64 acknowledged = 0; ///< what had to be there afterwards
+    qint64 acknowledged = 0; ///< how many items had to be stored
     qint64 lost = 0;
     qint64 twice = 0;
-    QStringList faults; ///< anything else, in words
+    QStringList faults; ///< any other failures
 
     bool isClean() const { return lost == 0 && twice == 0 && faults.isEmpty(); }
 };
@@ -31,7 +31,7 @@ inline int upTo(int most, Random& random)
     return int(random() % (unsigned(most) + 1));
 }
 
-/// Something that happens to the program again and again, and what must hold each time.
+/// A fault that is injected repeatedly, and the checks after each time.
 class Ordeal {
 public:
     Ordeal() = default;
@@ -46,13 +46,13 @@ public:
 struct OrdealKind {
     const char* id;
     const char* title;
-    int every; ///< takes part in one round of so many, since it takes long
+    int every; ///< runs in one of this many rounds, since it is slow
     std::unique_ptr<Ordeal> (*make)(const QString& program);
 };
 
-constexpr int longestDelayMs = 20; ///< from what is waited for to the kill
+constexpr int longestDelayMs = 20; ///< maximum delay between the awaited event and the kill
 
-/// That the database is whole, and so is its record of decisions.
+/// Checks the integrity of the database and of its decision log.
 void checkFile(LocalDB& db, Tally& tally);
 
 std::unique_ptr<Ordeal> ingestKills(const QString& program);
@@ -66,8 +66,9 @@ std::unique_ptr<Ordeal> fullDiskAtEachWrite(const QString& program);
 std::unique_ptr<Ordeal> powerCuts(const QString& program);
 std::unique_ptr<Ordeal> powerCutsAtFirstStart(const QString& program);
 
-/// The program with a history that fills its caches and then ten messages a second, with memory and descriptors at each
-/// minute. False if it ends, or grows by more than a megabyte an hour in the second half.
+/// Runs the program with enough history to fill its caches, then with ten messages a second, and prints memory use and
+/// open file descriptors every minute. Returns false if it exits, or grows by more than a megabyte an hour in the
+/// second half.
 bool soak(const QString& program, int minutes);
 
 }

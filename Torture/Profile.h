@@ -15,11 +15,11 @@ class QProcessEnvironment;
 
 namespace corvane::torture {
 
-/// A profile of its own with one account, whose engine is played, and the real program on it.
+/// A temporary profile with one account, a simulated engine and the real program.
 class Profile {
 public:
-    /// In memory if the machine has room there: a kill takes nothing from the kernel. `program` is Corvane; empty for
-    /// the one that this process hosts.
+    /// Located in memory if possible, since a kill loses nothing that the kernel already has. `program` is the path to
+    /// Corvane; if empty, this process hosts it.
     explicit Profile(const QString& program);
     ~Profile();
 
@@ -27,21 +27,21 @@ public:
     QString file(const QString& name) const { return m_folder.filePath(name); }
     const EngineBooks& books() const { return m_books; }
 
-    enum class Deciding { Nobody, Person }; ///< on drafts; a person needs a hosted program
+    enum class Deciding { Nobody, Person }; ///< who decides on drafts; a person needs a hosted program
     void start(const EngineOrders& orders, Deciding deciding = Deciding::Nobody); ///< `corvane --headless`
     bool isRunning() const { return m_program.isRunning(); }
     qint64 processId() const { return m_program.processId(); }
     void kill() { m_program.kill(); }
-    bool stop(); ///< as a person would, once it has started its engine; false if it had to be killed
+    bool stop(); ///< quits it once its engine has started; false if it failed or had to be killed
 
-    /// A command of the program beside it, as it is started.
+    /// Starts one of the program's commands alongside it.
     std::unique_ptr<Child> command(const QStringList& arguments);
-    int run(const QStringList& arguments); ///< to its end; the exit code
+    int run(const QStringList& arguments); ///< waits for its end and returns the exit code
 
-    /// The database, as another program has it.
+    /// Opens the database as another process.
     std::unique_ptr<LocalDB> open();
 
-    /// Rows of the messages whose numbers are at most `upTo`, and how many different ones they are.
+    /// The rows of messages numbered up to `upTo`, and how many different messages they contain.
     struct Told {
         qint64 rows = 0;
         qint64 messages = 0;
@@ -62,9 +62,9 @@ private:
     qsizetype m_earlierLives = 0; ///< of the engine
 };
 
-extern const QString account; ///< its slug
+extern const QString account; ///< the account's slug
 
-/// Until it is true, for at most `seconds`; false otherwise.
+/// Waits until the condition is true; returns false after `seconds`.
 bool waitFor(const std::function<bool()>& condition, int seconds = 60);
 void pause(int milliseconds);
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int messagesPerSecond = 10;
 
-/// In KiB, from /proc: VmRSS is all memory, RssAnon what no file backs.
+/// In KiB, from /proc: VmRSS is all resident memory, RssAnon the part not backed by files.
 qint64 memory(qint64 process, const QByteArray& kind)
 {
     QFile status(u"/proc/%1/status"_s.arg(process));

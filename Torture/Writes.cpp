@@ -1,4 +1,4 @@
-// The store at work in this process, on files that fail at each of its writes in turn.
+// Runs the store in this process, on files that fail at each of its writes in turn.
 
 #include "FaultyFiles.h"
 #include "Ordeal.h"
@@ -19,7 +19,7 @@ namespace {
 
 constexpr int steps = 12;
 constexpr int faultsPerRound = 20;
-constexpr int stride = 7919; // from one fault to the next: a few are spread over all writes, many meet each
+constexpr int stride = 7919; // distance between faults: spreads a few over all writes, and many reach each one
 
 enum class Begin { WithFile, WithNothing };
 
@@ -48,7 +48,7 @@ private:
     QString database() const { return m_profile.paths().database(); }
     QString fresh() const { return m_profile.file(u"fresh.db"_s); }
 
-    /// A message is stored, and a draft written and approved, each as the program does it.
+    /// Stores a message, and writes and approves a draft, as the program does.
     bool step(LocalDB& db, int number) const
     {
         Transaction transaction(db);
@@ -69,16 +69,16 @@ private:
         return !waiting.isEmpty() && approveDraft(db, waiting.first().id, draftHash(waiting.first())) == Decided::Taken;
     }
 
-    /// The steps from `done` on, until one fails; how many are done then.
+    /// Runs the steps after `done` until one fails; returns how many are done.
     int go(LocalDB& db, int done) const
     {
-        db.exec(u"PRAGMA wal_autocheckpoint=20;"_s); // the few steps shall meet some
+        db.exec(u"PRAGMA wal_autocheckpoint=20;"_s); // so that the few steps include some checkpoints
         while (done < steps && step(db, done + 1))
             ++done;
         return done;
     }
 
-    /// All steps, with a fault at the given operation; the number of operations.
+    /// Runs all steps with a fault at the given operation; returns the number of operations.
     qint64 work(qint64 failsAt, Tally* tally, quint32 seed)
     {
         for (const QString& suffix : { u""_s, u"-wal"_s, u"-shm"_s })

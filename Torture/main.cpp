@@ -1,5 +1,5 @@
-// Does to the program what machines do to programs, for a stated time, and prints what came of it. tools/torture
-// builds and starts it.
+// Runs fault-injection tests against the program for a given time and prints the results. tools/torture builds and
+// starts it.
 
 #include "Child.h"
 #include "Hosted.h"
@@ -52,7 +52,7 @@ bool writeFile(const char* path, const QByteArray& text)
     return written;
 }
 
-/// A network and mounts of its own: Corvane clears the port of its tool server, and a small disk is mounted.
+/// Creates separate network and mount namespaces: Corvane clears its tool server's port, and a small disk is mounted.
 bool leaveTheMachineAlone()
 {
     constexpr int own = CLONE_NEWNS | CLONE_NEWNET;
@@ -90,7 +90,7 @@ void print(const std::vector<Running>& all)
     }
 }
 
-/// Round after round, until the time or the rounds are over.
+/// Runs rounds until the time or the number of rounds is reached.
 int run(const QString& program, const QStringList& only, int rounds, int minutes, quint32 seed)
 {
     std::vector<Running> all;
@@ -130,7 +130,7 @@ int main(int argc, char** argv)
     openNursery(runHosted);
     const QCoreApplication application(argc, argv);
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& message) {
-        if (type != QtInfoMsg) // the store tells of each fault that it meets, as it should
+        if (type != QtInfoMsg) // the store logs each injected fault at this level
             std::fprintf(stderr, "%s\n", qPrintable(message));
     });
     QCommandLineParser parser;
