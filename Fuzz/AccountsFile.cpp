@@ -1,4 +1,4 @@
-// An accounts file decodes whole or not at all, and what was decoded is written so that it reads back the same.
+// Fuzzes the accounts file: it decodes completely or not at all, and re-encoding it gives the same accounts.
 
 #include "Engines/AccountStore.h"
 

@@ -1,4 +1,4 @@
-// Whatever a calendar file holds, a month of it is followed in bounded time, and its parts read like the whole.
+// Fuzzes calendar files: expanding a month takes bounded time, and each part of a file parses on its own.
 
 #include "Platform/Linux/Calendar/IcsFile.h"
 #include "Platform/Linux/Calendar/IcsText.h"

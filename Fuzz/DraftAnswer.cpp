@@ -1,5 +1,5 @@
-// What a model may answer: no draft leaves without a text or with a claim of a send, and whatever is in a
-// draft is grounded in itself.
+// Fuzzes model answers: no accepted draft may lack a text or claim to have been sent, and every draft is grounded in
+// itself.
 
 #include "AI/DraftAnswer.h"
 #include "AI/UngroundedFacts.h"

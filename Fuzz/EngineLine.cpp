@@ -1,4 +1,4 @@
-// Whatever an engine prints, the next line that is well-formed is handled.
+// Fuzzes engine output: after any input, the next well-formed line is handled.
 
 #include "Foundation/Literals.h"
 #include "Platform/Linux/Processes/WholeLines.h"
@@ -15,7 +15,7 @@ struct World {
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { });
     }
 
-    /// What has ended of a read, and every event in it is handled.
+    /// Feeds one read of output, and handles every event whose line is complete.
     void print(QByteArrayView read)
     {
         engine.print(lines.take(read));

@@ -1,4 +1,4 @@
-// Feeds every file of a folder to a fuzz target, without the fuzzer.
+// Runs a fuzz target on every file of a folder, without the fuzzer.
 
 #include <cstdint>
 #include <cstdio>

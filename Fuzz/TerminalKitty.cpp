@@ -1,5 +1,5 @@
-// Commands of the Kitty graphics protocol, separated by zero bytes: whatever they claim, the images stay within their
-// budget and every placement lies on its image.
+// Fuzzes commands of the Kitty graphics protocol, separated by zero bytes: the images stay within their budget, and
+// every placement within its image.
 
 #include "Terminal/Core/Terminal.h"
 

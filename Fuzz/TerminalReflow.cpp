@@ -1,4 +1,4 @@
-// Text and new sizes in any order: the grid stays whole, and while nothing is erased no character is lost.
+// Fuzzes text and resizes in any order: the grid stays consistent, and no character is lost (the input erases nothing).
 
 #include "Terminal/Core/Terminal.h"
 

@@ -1,4 +1,4 @@
-// Sixel data in pieces gives the same picture as in one, never past the limits.
+// Fuzzes Sixel data: decoding in chunks gives the same image as decoding at once, within the size limits.
 
 #include "Terminal/Graphics/Sixel.h"
 

@@ -1,4 +1,4 @@
-// Whatever a program writes, the grid stays whole, and any split of the bytes gives the same page and answers.
+// Fuzzes terminal output: the grid stays consistent, and any split of the bytes gives the same screen and replies.
 
 #include "Terminal/Core/Terminal.h"
 
