@@ -7,22 +7,22 @@ namespace corvane {
 
 class LocalDB;
 
-/// The rail of a module: its places, and the contexts that match the query. A place or a context is selected.
+/// The sidebar of a module: its places, and the contexts that match the query. Either a place or a context is selected.
 class WorkRail : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::GadgetListModel* contexts READ contexts CONSTANT)
     Q_PROPERTY(QString query READ query WRITE setQuery NOTIFY changed)
     Q_PROPERTY(QString contextsTitle READ contextsTitle CONSTANT)
-    Q_PROPERTY(QString contextsEmpty READ contextsEmpty NOTIFY changed) ///< empty if there are some
+    Q_PROPERTY(QString contextsEmpty READ contextsEmpty NOTIFY changed) ///< empty if there are contexts
     Q_PROPERTY(QString createLabel READ createLabel CONSTANT)
     Q_PROPERTY(QList<corvane::TabItem> places READ places NOTIFY changed)
     Q_PROPERTY(QString place READ place WRITE setPlace NOTIFY changed) ///< empty while a context is selected
     Q_PROPERTY(QString selectedContextId READ selectedContextId NOTIFY changed)
 public:
-    /// `places`: those that are not contexts. The references outlive it.
+    /// `places` are the entries that are not contexts. The references must outlive the rail.
     WorkRail(LocalDB& db, const WorkConsoleConfig& config, const QList<TabItem>& places, QObject* parent);
 
-    void read(); ///< the caller emits `changed`, once it shows what is selected
+    void read(); ///< the caller emits `changed` after showing the selection
     const WorkContext& context() const { return m_context; } ///< the selected one
     const QList<WorkContextRow>& everyContext() const { return m_everyContext; } ///< regardless of the query
     void setPlaceCount(const QString& place, int count);
@@ -40,11 +40,11 @@ public:
     QString selectedContextId() const { return m_context ? m_context->id : QString(); }
 
     Q_INVOKABLE void select(const QString& contextId);
-    Q_INVOKABLE void step(int by); ///< to another context
+    Q_INVOKABLE void step(int by); ///< selects the context this many rows away
 
 Q_SIGNALS:
     void changed();
-    void selected(); ///< another place or context; whoever shows it emits `changed`
+    void selected(); ///< another place or context was selected; the receiver emits `changed`
 
 private:
     LocalDB& m_db;

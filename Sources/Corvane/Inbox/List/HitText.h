@@ -5,16 +5,16 @@
 
 namespace corvane {
 
-// Lines of a list out of texts of any length that others wrote.
+// Formats texts of any length from untrusted sources as single lines for a list.
 
-/// The printable start of the text in one line.
+/// The start of the text as a single printable line.
 QString lineOf(const QString& text);
 
-/// The text in one line from shortly before the words on, behind an ellipsis; nothing where they stand at its start, or
-/// not at all.
+/// The text in a single line, starting with an ellipsis shortly before the first match of `words`. Null if they do not
+/// occur, or so early that nothing needs to be cut.
 std::optional<QString> cutBefore(const QString& text, const QString& words);
 
-/// Styled text, escaped, with the words in bold.
+/// Escaped rich text with the matches of `words` in bold.
 QString highlighted(const QString& line, const QString& words);
 
 }
