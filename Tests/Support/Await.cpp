@@ -9,7 +9,7 @@ namespace corvane {
 bool await(const std::function<bool()>& condition)
 {
     const QDeadlineTimer deadline(30'000);
-    // The condition may come true without an event of ours.
+    // The condition may become true without an event in this process.
     QTimer tick;
     tick.start(10);
     while (!condition()) {

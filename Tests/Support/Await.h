@@ -4,8 +4,8 @@
 
 namespace corvane {
 
-/// Turns the event loop until `condition` holds, at most thirty seconds; returns whether it held. For tests that
-/// wait on real processes, sockets or buses.
+/// Runs the event loop until `condition` holds, for at most thirty seconds, and returns whether it did. For tests that
+/// wait for real processes, sockets or buses.
 bool await(const std::function<bool()>& condition);
 
 }

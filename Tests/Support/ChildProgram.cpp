@@ -1,31 +1,31 @@
-// The child that tests start: it does what its commands say, in their order, and ends with 0 after the last.
+// The child process that tests start. It runs its commands in order and exits with 0 after the last one.
 //
-// A command is one argument, or one line of a file that an argument names ("ChildProgram /path/to/main.ts"),
-// so that the program can stand in for Node with a script of its own. Arguments that begin with "--" are left
-// alone. A command that it does not know ends it with 64.
+// A command is one argument, or one line of a script file that an argument names ("ChildProgram /path/to/main.ts"),
+// so that the program can stand in for Node with its own script. Arguments that begin with "--" are ignored. An
+// unknown command exits with 64.
 //
-//   print TEXT          TEXT and a line feed, in one write
-//   half TEXT           TEXT without the line feed
-//   bytes HEX           these very bytes ("c3a9")
-//   repeat COUNT TEXT   TEXT so many times in a row, without line feeds
-//   lines COUNT TEXT    so many lines; "{n}" in TEXT is the line's number, from 0
-//   flood               one line after the other until the pipe breaks or the program is killed
-//   errors              what follows is printed to standard error
-//   env NAME            "NAME=value", or "NAME unset"
-//   arguments           every argument, separated by "|"
-//   folder              the working directory
-//   descriptors         the numbers of the open descriptors, separated by blanks
-//   sleep MS            waits
-//   await               waits for one line on standard input
-//   echo                prints each line of standard input back, as "echo LINE", until its end
-//   record FILE         adds each line of standard input to FILE, until its end
-//   count LINES         reads so many lines of standard input, then prints "counted BYTES"
+//   print TEXT          prints TEXT and a line feed in one write
+//   half TEXT           prints TEXT without a line feed
+//   bytes HEX           prints the bytes given in hexadecimal ("c3a9")
+//   repeat COUNT TEXT   prints TEXT COUNT times, without line feeds
+//   lines COUNT TEXT    prints COUNT lines of TEXT; "{n}" becomes the line number, from 0
+//   flood               prints lines until the pipe breaks or the program is killed
+//   errors              prints to standard error from now on
+//   env NAME            prints "NAME=value" or "NAME unset"
+//   arguments           prints all arguments, separated by "|"
+//   folder              prints the working directory
+//   descriptors         prints the open file descriptors, separated by spaces
+//   sleep MS            sleeps for MS milliseconds
+//   await               waits for a line on standard input
+//   echo                prints each line of standard input as "echo LINE", until end of file
+//   record FILE         appends each line of standard input to FILE, until end of file
+//   count LINES         reads LINES lines of standard input, then prints "counted BYTES"
 //   close-input         closes standard input
-//   ignore-term         ignores SIGTERM from here on
-//   grandchild MS       leaves a process behind that holds standard input and output for so long
-//   exit CODE           ends
-//   crash SIGNAL        ends by the signal of that number
-//   hang                waits for ever
+//   ignore-term         ignores SIGTERM from now on
+//   grandchild MS       forks a process that keeps standard input and output open for MS milliseconds
+//   exit CODE           exits with CODE
+//   crash SIGNAL        raises the signal with that number
+//   hang                waits forever
 
 #include <algorithm>
 #include <cerrno>
@@ -47,7 +47,7 @@ namespace {
 
 std::vector<std::string> arguments;
 int target = STDOUT_FILENO;
-std::string input; ///< the line that was read last
+std::string input; ///< the last line read
 
 void out(std::string_view text)
 {

@@ -1,6 +1,6 @@
 #include "Platform/Linux/Decode/DecodeChild.h"
 
-/// The child that decodes, without the rest of the program.
+/// The decoding child process, without the rest of the program.
 int main()
 {
     return corvane::runDecodeChild();

@@ -46,7 +46,7 @@ int DemoWeb::requests(const QString& part)
 {
     const QString mark = u"/demo/mark"_s;
     const qsizetype before = m_log.count(mark);
-    ask("GET", mark); // its line comes behind all others
+    ask("GET", mark); // logged after all earlier requests
     EXPECT_TRUE(await([&] {
         m_log += QString::fromUtf8(m_process.readAllStandardError());
         return m_log.count(mark) > before;

@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// The stand-in of the web service, as a process of its own.
+/// The demo's stand-in for the web service, in a separate process.
 class DemoWeb {
 public:
     DemoWeb();
@@ -15,13 +15,13 @@ public:
 
     const QString& base() const { return m_base; }
 
-    /// What goes wrong from now on, such as "messages=500x1+10"; empty: nothing.
+    /// Sets the faults to inject from now on, such as "messages=500x1+10"; empty for none.
     void plan(const QByteArray& faults);
 
-    /// "{accounts} {chats} {messages}" that it holds.
+    /// The number of stored items as "{accounts} {chats} {messages}".
     QString counts();
 
-    /// How many requests it got whose line in the log holds that.
+    /// The number of requests whose log line contains `part`.
     int requests(const QString& part);
 
 private:

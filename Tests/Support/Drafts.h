@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// What another program that knows no rules may do to a draft.
+/// Sets a draft's status directly, as another program that ignores the rules could.
 inline void markDraft(LocalDB& db, const QString& id, const QString& status)
 {
     db.run(u"UPDATE outbound_draft SET status=?, updated_at=? WHERE id=?;"_s, { status, db.nowMs(), id });

@@ -21,8 +21,8 @@
 
 namespace corvane {
 
-/// What a manager of engines stands on, around the real database: a clock that the test moves, a machine that it
-/// plays. The clock and the launcher can be others.
+/// What an engine manager needs, around the real database: a virtual clock and a fake machine. The scheduler and the
+/// launcher can be replaced.
 struct EngineSurroundings {
     EngineManager::Surroundings on(Scheduler& scheduler, ProcessLauncher& launcher)
     {
@@ -51,12 +51,12 @@ struct EngineSurroundings {
     FakeAudioPlayer player;
 };
 
-/// A manager whose engines a test plays.
+/// An engine manager whose engines are played by the test.
 struct EngineWorld : EngineSurroundings {
-    /// Lets every event that waits be handled, at a cost of a millisecond.
+    /// Handles all pending events, which advances the clock by a millisecond.
     void settle() { clock.advance(Milliseconds(1)); }
 
-    /// A row value as text; "-" for NULL or no row.
+    /// The value of a query as text; "-" for NULL or no row.
     QString cell(const QString& sql, const QList<SqlValue>& parameters = {})
     {
         return engines.db().scalar(sql, parameters).value_or(u"-"_s);

@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// The Node that runs engines on this machine; the set-up sees to it that there is one, so a test fails without.
+/// The Node that runs engines on this machine. The setup ensures that there is one, so a test fails without it.
 QString enginesNode();
 
 }

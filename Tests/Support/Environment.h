@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// Variables of this process's environment, put back at the end.
+/// Sets environment variables of this process and restores the old values on destruction.
 class Environment {
 public:
     Environment() = default;
@@ -22,7 +22,7 @@ public:
     Environment(const Environment&) = delete;
     Environment& operator=(const Environment&) = delete;
 
-    /// A null value takes the variable away.
+    /// A null value unsets the variable.
     void set(const char* name, const QByteArray& value)
     {
         m_before.prepend({ name, qgetenv(name) });

@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// A player whose sound a test moves on by hand.
+/// A player whose state and position are set by the test.
 class FakeAudioPlayer final : public AudioPlayer {
 public:
     void play(const QString& path) override

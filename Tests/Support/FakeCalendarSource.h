@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// Calendars that a test fills. What it holds is read on other threads.
+/// Calendars filled by the test. They are read on other threads.
 class FakeCalendarSource final : public CalendarSource {
 public:
     using CalendarSource::CalendarSource;

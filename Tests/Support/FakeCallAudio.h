@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// A machine's sound as a test says. Its tracks are files of `sound`; every answer comes at once.
+/// Call audio set by the test. Its tracks are files that contain `sound`. Every call is answered at once.
 class FakeCallAudio final : public CallAudio {
 public:
     class Track final : public TrackRecording {
@@ -31,7 +31,7 @@ public:
         double seconds = 0;
         double loudness = 0;
         bool source = true;
-        QString failing; ///< why it has no sound in the end
+        QString failing; ///< why `stop` fails; empty if it succeeds
 
     private:
         const QString m_path;
@@ -54,11 +54,11 @@ public:
         done({});
     }
 
-    QPointer<Track> microphone; ///< the one begun last, while it is there
+    QPointer<Track> microphone; ///< the latest one, while it exists
     QPointer<Track> system;
     QByteArray sound = "sound";
-    QString noOutput; ///< why nothing that plays can be recorded
-    bool broken = false; ///< no track begins
+    QString noOutput; ///< why system audio cannot be recorded; empty if it can
+    bool broken = false; ///< no track can be started
     QString recordedBinary;
     QList<SoundApplication> applications;
     QStringList repaired;
@@ -72,7 +72,7 @@ private:
     }
 };
 
-/// Tells how many locks are held.
+/// Counts the locks that are held.
 class FakeSleepInhibitor final : public SleepInhibitor {
 public:
     std::unique_ptr<Hold> hold(const QString&) override

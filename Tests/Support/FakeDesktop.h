@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// A desktop that notes what it is asked for, and looks as a test sets it.
+/// A desktop that records the requests made to it. The test sets its answers and its appearance.
 class FakeDesktop final : public Desktop {
 public:
     void openInBrowser(const QUrl& url) override { opened.append(url); }
@@ -44,8 +44,8 @@ public:
     QList<QUrl> opened;
     QStringList openedFiles;
     QList<QUrl> openedLinks;
-    Result<QList<QUrl>> chosen; ///< what the person chooses
-    bool opens = true; ///< whether a program is there for files and links
+    Result<QList<QUrl>> chosen; ///< what the user chooses
+    bool opens = true; ///< whether there is a program for files and links
     QString host = u"studio+1"_s;
     int badge = -1; ///< -1 until it is set
     ColourScheme scheme = ColourScheme::Light;

@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// A keyring in memory. It answers at once, unless it is `silent`; with a failure it does nothing but fail.
+/// An in-memory keyring. It answers at once, unless it is `silent`. If `failure` is set, every call fails.
 class FakeKeyring final : public Keyring {
 public:
     void readAll(Unlock unlock, Read read) override
@@ -31,7 +31,7 @@ public:
         });
     }
 
-    /// Ends the silence.
+    /// Stops being silent and answers the waiting calls.
     void speak()
     {
         silent = false;
@@ -43,7 +43,7 @@ public:
     Secrets values;
     std::optional<Failure> failure;
     bool silent = false;
-    int asked = 0; ///< how often it would have asked the user to unlock it
+    int asked = 0; ///< how often the user would have been asked to unlock it
 
 private:
     void answer(Unlock unlock, std::function<void()> call)

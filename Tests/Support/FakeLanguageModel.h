@@ -12,8 +12,8 @@
 
 namespace corvane {
 
-/// A model that notes what it is asked, and answers what a test has told it, in that order. One question more
-/// than was told fails the test.
+/// A model that records the questions and gives the answers set by the test, in order. A question without an answer
+/// fails the test.
 class FakeLanguageModel final : public SystemLanguageModel {
 public:
     struct Question {
@@ -21,7 +21,7 @@ public:
         QString prompt;
         std::optional<QJsonObject> schema;
     };
-    /// An answer that was promised for later: `arrive` gives it.
+    /// An answer that `arrive` gives later.
     using Later = Arrival<Result<QJsonObject>>;
 
     void willAnswer(const QString& text) { willAnswer(QJsonObject { { textKey(), text } }); }
@@ -35,7 +35,7 @@ public:
         const Later later = willAnswerLater();
         later.arrive(failure(words));
     }
-    /// Stays open until the test lets the answer arrive, or the question is cancelled. A text is given as
+    /// The question stays open until the test calls `arrive` or the question is cancelled. For a text, pass
     /// `FakeLanguageModel::text("...")`.
     Later willAnswerLater()
     {
@@ -104,7 +104,7 @@ private:
     std::deque<Later> m_answers;
 };
 
-/// A machine of which a test says how it is.
+/// Machine facts set by the test.
 class FakeMachineFacts final : public MachineFacts {
 public:
     SystemVersion version() const override { return running; }
@@ -116,7 +116,7 @@ public:
     MachineState now;
 };
 
-/// A machine on which no tool runs.
+/// Fails the test if any tool is run.
 class NoTools final : public ToolRunner {
 public:
     QCoro::Task<Result<ToolEnd>> run(QString executable, QStringList, QByteArray, CancelHandle) override
@@ -130,10 +130,10 @@ struct FakeAIMachine {
     FakeLanguageModel model;
     FakeMachineFacts machine;
     NoTools tools;
-    VirtualScheduler standing; ///< a clock that nobody moves
+    VirtualScheduler standing; ///< never advances
 };
 
-/// What generates, over a fake model and without the Codex tool.
+/// The AI services over a fake model, without the Codex tool.
 struct FakeLumo : FakeAIMachine, AIServices {
     FakeLumo()
         : AIServices(model, machine, tools, {}, standing)

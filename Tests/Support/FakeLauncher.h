@@ -9,7 +9,7 @@
 
 namespace corvane {
 
-/// A child that a test plays: it prints and ends when it is told to.
+/// A fake child process: it prints and exits when the test tells it to.
 class FakeChild final : public ChildProcess {
 public:
     FakeChild(const ProcessSpec& childSpec, ProcessLauncher::Handlers handlers, qint64 pid)
@@ -30,16 +30,16 @@ public:
     bool withdraw(const QByteArray&) override { return false; }
     void terminate() override { terminated = true; }
 
-    void print(const QString& lines); ///< one chunk, of whole lines
-    void printEvent(const QJsonObject& event); ///< one line with the sentinel
+    void print(const QString& lines); ///< one chunk of complete lines
+    void printEvent(const QJsonObject& event); ///< one line, with the sentinel prefix
     void exit(int code = 0);
-    QList<QJsonObject> commands() const; ///< every line that was written to it
-    bool chunkIsHeld() const { return !m_lastHold.expired(); } ///< of the last chunk
+    QList<QJsonObject> commands() const; ///< every line written to it, parsed
+    bool chunkIsHeld() const { return !m_lastHold.expired(); } ///< whether the receiver still holds the last chunk
 
     const ProcessSpec spec;
     QByteArray written;
-    QString writeFailure; ///< where set, every write fails with it
-    bool isDeaf = false; ///< reads nothing of what was written
+    QString writeFailure; ///< if set, every write fails with it
+    bool isDeaf = false; ///< never reads its standard input
     bool terminated = false;
 
 private:
@@ -49,20 +49,19 @@ private:
     std::weak_ptr<void> m_lastHold;
 };
 
-/// Starts nothing: each launch follows the next entry of a script. One launch more than the script tells, or one
-/// less, fails the test.
+/// Starts no process itself: each launch takes the next entry of a script. Too many or too few launches fail the test.
 class FakeLauncher final : public ProcessLauncher {
 public:
     struct Launch {
         enum class Kind { Stays, Crashes, Fails, Real };
         Kind kind = Kind::Stays;
-        QString reason = {}; ///< why it fails
+        QString reason = {}; ///< for `Fails`
     };
     static Launch stays() { return {}; }
-    static Launch crashes() { return { Launch::Kind::Crashes }; } ///< at the next turn of the loop
+    static Launch crashes() { return { Launch::Kind::Crashes }; } ///< in the next event loop iteration
     static Launch fails(const QString& reason) { return { Launch::Kind::Fails, reason }; }
 
-    static Launch real() { return { Launch::Kind::Real }; } ///< by `realLauncher`
+    static Launch real() { return { Launch::Kind::Real }; } ///< started by `realLauncher`
 
     explicit FakeLauncher(Scheduler& scheduler)
         : m_scheduler(scheduler)
@@ -75,10 +74,10 @@ public:
     int marked(const QString&, Marked) override { return 0; }
 
     FakeChild& last() const { return *children.last(); }
-    void exitTerminated(); ///< every child that was told to end does
+    void exitTerminated(); ///< exits every child that was terminated
 
     ProcessLauncher* realLauncher = nullptr;
-    QList<std::shared_ptr<FakeChild>> children; ///< every played launch that did not fail, in order
+    QList<std::shared_ptr<FakeChild>> children; ///< one for each fake launch that did not fail, in order
 
 private:
     Scheduler& m_scheduler;

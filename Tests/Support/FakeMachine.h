@@ -21,10 +21,11 @@
 
 namespace corvane {
 
-/// A machine of fakes around the launcher, but for what decodes and recognises, by real children.
+/// A machine of fakes around the launcher. The address book and the calendars are real, decoding uses a real child
+/// process, and recognition starts its child processes through the launcher.
 inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLauncher> launcher)
 {
-    static SystemScheduler scheduler; // of what waits for real children
+    static SystemScheduler scheduler; // for timeouts of the real decoder
     Machine machine;
     machine.launcher = std::move(launcher);
     machine.ports = std::make_unique<FakePortHolders>();
@@ -50,7 +51,7 @@ inline Machine fakeMachine(const AppPaths& paths, std::unique_ptr<ProcessLaunche
     return machine;
 }
 
-/// A service of the machine as the fake that it is.
+/// A service of the machine, cast to its fake type.
 template <typename Fake, typename Service> Fake& played(const std::unique_ptr<Service>& service)
 {
     return dynamic_cast<Fake&>(*service);

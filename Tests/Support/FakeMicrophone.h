@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// A microphone that hears what a test says. Its recordings are files of the word "sound", or what a test puts there.
+/// A microphone controlled by the test. Its recordings are files that contain "sound", or other bytes set by the test.
 class FakeMicrophone final : public Microphone {
 public:
     class Recording final : public MicrophoneRecording {
@@ -53,8 +53,8 @@ public:
 
     void answer(MicrophoneAccess access) { m_answer(access); }
 
-    QPointer<Recording> recording; ///< the one begun last, while it is there
-    bool broken = false; ///< no recording begins
+    QPointer<Recording> recording; ///< the latest one, while it exists
+    bool broken = false; ///< no recording can be started
 
 private:
     std::function<void(MicrophoneAccess)> m_answer;

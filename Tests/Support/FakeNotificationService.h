@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// Keeps the banners that were shown, and answers for the person who sees them.
+/// Records the banners that were shown. The test responds to them in place of the user.
 class FakeNotificationService final : public NotificationService {
 public:
     bool isAvailable() const override { return available; }
@@ -26,7 +26,7 @@ public:
 
     bool available = true;
     QList<Banner> shown;
-    QStringList withdrawn; ///< identifiers of shown banners
+    QStringList withdrawn; ///< identifiers of the shown banners that were withdrawn
 
 private:
     ResponseHandler m_handler;

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// Holders as a test sets them, and a note of who was asked to end.
+/// Port holders set by the test. Records the ports that were asked about and the processes that were terminated.
 class FakePortHolders final : public PortHolders {
 public:
     QList<PortHolder> listeningOn(quint16 port) override

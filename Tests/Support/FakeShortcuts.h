@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// A desktop where other programs hold some keys.
+/// Global shortcuts on a desktop where other programs have taken some keys.
 class FakeShortcuts final : public GlobalShortcuts {
 public:
     void bind(const GlobalShortcut& shortcut) override

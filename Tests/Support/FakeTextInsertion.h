@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// Another program, which takes text as a test wants it.
+/// Records inserted texts and reports the outcome set by the test.
 class FakeTextInsertion final : public TextInsertion {
 public:
     InsertionWay way() const override { return current; }

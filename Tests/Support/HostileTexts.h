@@ -7,8 +7,8 @@
 
 namespace corvane {
 
-/// Messages of someone who wants a language model, or the program around it, to do their bidding. The same seed
-/// gives the same texts; each has something to read.
+/// Messages from an attacker who tries to manipulate a language model or the program around it. The same seed gives the
+/// same texts. No text is blank.
 inline QStringList hostileTexts(int count, unsigned seed)
 {
     const QStringList pieces {

@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// Collects the log lines of a test in place of standard error.
+/// Collects the log lines of a test instead of printing them to standard error.
 class LogCapture {
 public:
     LogCapture();

@@ -12,7 +12,7 @@ namespace corvane {
 
 namespace {
 
-/// The request that the bytes hold, once they hold a whole one.
+/// Parses a request. Returns nullopt while it is incomplete.
 std::optional<LoopbackWeb::Request> parse(const QByteArray& bytes)
 {
     const qsizetype end = bytes.indexOf("\r\n\r\n");

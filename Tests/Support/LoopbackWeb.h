@@ -11,23 +11,23 @@ class QTcpSocket;
 
 namespace corvane {
 
-/// A web service on the loopback interface that answers as a test tells it, and notes what it was asked.
-/// A path that was not told about fails the test.
+/// A web server on the loopback interface that records all requests and gives the answers set by the test. A request
+/// for a path without an answer fails the test.
 class LoopbackWeb : public QObject {
     Q_OBJECT
 public:
     struct Request {
         QByteArray method;
         QUrl url;
-        QHash<QByteArray, QByteArray> headers; ///< names in lower case
+        QHash<QByteArray, QByteArray> headers; ///< by lower-case name
         QByteArray body;
 
         QString query(const QString& key) const;
         QJsonObject json() const;
     };
 
-    /// What follows a request: a whole HTTP response, any other bytes, or, with `hang`, nothing more and an
-    /// open connection; with `drip` one more byte now and then, too.
+    /// The reply to a request: a complete HTTP response, or any other bytes. With `hang` the connection stays open
+    /// afterwards; with `drip` as well, another byte is sent every few milliseconds.
     struct Answer {
         QByteArray bytes;
         bool hang = false;
@@ -37,14 +37,14 @@ public:
     LoopbackWeb();
 
     QString base() const; ///< "http://127.0.0.1:{port}"
-    void answer(const QString& path, const Answer& answer); ///< from now on, each time
+    void answer(const QString& path, const Answer& answer); ///< for every request from now on
     const QList<Request>& requests() const { return m_requests; }
-    QStringList paths() const; ///< of the requests, in order
+    QStringList paths() const; ///< of all requests, in order
 
-    qsizetype openConnections() const { return m_received.size(); } ///< of those that have asked something
+    qsizetype openConnections() const { return m_received.size(); } ///< those that have sent data
 
     static Answer status(
-        int status, const QByteArray& body = {}, const QList<QByteArray>& headers = {}); ///< a header is "Name: value"
+        int status, const QByteArray& body = {}, const QList<QByteArray>& headers = {}); ///< headers as "Name: value"
     static Answer json(const QJsonObject& body, int status = 200);
     static Answer redirect(const QString& location, int status = 302);
 
@@ -54,7 +54,7 @@ private:
     QHash<QString, Answer> m_answers;
     QHash<QTcpSocket*, QByteArray> m_received;
     QList<Request> m_requests;
-    QTcpServer m_server; ///< goes first: its sockets say goodbye to the rest
+    QTcpServer m_server; ///< last, so destroyed first: its sockets use the other members as they disconnect
 };
 
 }

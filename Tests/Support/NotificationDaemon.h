@@ -9,7 +9,7 @@
 
 namespace corvane {
 
-/// A desktop's notification daemon on a private bus; the test presses its buttons.
+/// A fake notification daemon on a private bus. The test emits its signals.
 class NotificationDaemon final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")

@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// What a task came to, once it has.
+/// The result of a task, set when the task finishes.
 template <typename Value> std::shared_ptr<std::optional<Result<Value>>> outcome(QCoro::Task<Result<Value>> task)
 {
     const auto result = std::make_shared<std::optional<Result<Value>>>();

@@ -10,7 +10,7 @@
 
 namespace corvane {
 
-/// A conversation whose other side a test plays.
+/// A DevTools connection on which the test plays the browser.
 class PlayedConnection final : public DevToolsConnection {
 public:
     using DevToolsConnection::DevToolsConnection;

@@ -22,11 +22,11 @@
 
 namespace corvane {
 
-/// A manager over a database of its own, with one engine that prints what it is told. For programs without a test
+/// An engine manager with its own database and one engine that prints what it is told to. For programs without a test
 /// framework: the fuzz targets and the benchmarks.
 class PlayedEngine final {
 public:
-    /// `database` is a path, or ":memory:". With a launcher the engines are real children instead.
+    /// `database` is a path or ":memory:". With a launcher, the caller starts the engines, as real child processes.
     PlayedEngine(Scheduler& scheduler, const QString& database, ProcessLauncher* launcher = nullptr)
         : m_keychain(m_keyring, m_paths.secretsFile(), scheduler)
         , m_notifier(m_banners, m_centre, m_defaults, scheduler, [] { })
@@ -42,7 +42,7 @@ public:
             m_engines.start(m_account);
     }
 
-    void print(const QByteArray& lines) { m_played.print(lines); } ///< whole ones
+    void print(const QByteArray& lines) { m_played.print(lines); } ///< complete lines only
     EngineManager& engines() { return m_engines; }
     const Account& account() const { return m_account; }
 

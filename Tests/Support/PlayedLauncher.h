@@ -4,10 +4,10 @@
 
 namespace corvane {
 
-/// Starts nothing: the one child prints what it is told. For programs without a test framework.
+/// Starts no process: its only child prints what it is told to. For programs without a test framework.
 class PlayedLauncher final : public ProcessLauncher, private ChildProcess {
 public:
-    void print(const QByteArray& lines) { m_handlers.output({ lines, nullptr }); } ///< whole ones
+    void print(const QByteArray& lines) { m_handlers.output({ lines, nullptr }); } ///< complete lines only
 
     int marked(const QString&, Marked) override { return 0; }
     Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec&, Handlers handlers) override

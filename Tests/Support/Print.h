@@ -4,7 +4,7 @@
 #include <ostream>
 
 QT_BEGIN_NAMESPACE
-/// Lets a failed comparison print the text.
+/// Lets GoogleTest print the text when a comparison fails.
 inline void PrintTo(const QString& text, std::ostream* out)
 {
     *out << '"' << text.toStdString() << '"';

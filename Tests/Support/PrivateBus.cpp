@@ -26,7 +26,7 @@ PrivateBus::PrivateBus()
                             .toUtf8());
     configuration.close();
     m_daemon.setStandardErrorFile(QProcess::nullDevice());
-    // A test that crashes leaves no daemon behind.
+    // So that a crashing test leaves no daemon behind.
     m_daemon.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
     m_daemon.start(
         u"dbus-daemon"_s, { u"--nofork"_s, u"--print-address"_s, u"--config-file"_s, configuration.fileName() });
@@ -56,7 +56,7 @@ void PrivateBus::disconnect(const QDBusConnection& client)
 
 void PrivateBus::settle()
 {
-    // The bus keeps the order of what it passes on, so an answer of its own comes after what was sent before.
+    // The bus delivers messages in order, so its reply to a ping arrives after everything that was sent before.
     const auto ping
         = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/"_s, u"org.freedesktop.DBus.Peer"_s, u"Ping"_s);
     for (int round = 0; round < 3; ++round) {

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// A message bus of the test's own: a real daemon that can start nothing and is reachable by nobody else.
+/// A private D-Bus bus: a real daemon without activatable services, which only the test knows.
 class PrivateBus {
 public:
     PrivateBus();
@@ -16,14 +16,14 @@ public:
 
     const QString& address() const { return m_address; }
 
-    /// Another client of the bus, with a name of its own on it; closed by `disconnect` or with this object.
+    /// Another client of the bus, with its own unique name. Closed by `disconnect` or when this object is destroyed.
     QDBusConnection connect();
     void disconnect(const QDBusConnection& client);
 
-    /// Turns the event loop until what the clients have sent so far, and their answers to it, have arrived.
+    /// Runs the event loop until everything the clients have sent so far, and the replies to it, have arrived.
     void settle();
 
-    /// Ends the daemon under all its clients.
+    /// Kills the daemon, even if clients are connected.
     void stop();
 
 private:
@@ -33,7 +33,7 @@ private:
     QStringList m_clients;
 };
 
-/// What a program gets that runs without a bus.
+/// The connection that a program gets when there is no bus.
 QDBusConnection noBus();
 
 }

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// The decoder of the program over its real child. A busy machine is no fault of a picture, so it is patient.
+/// The program's decoder with its real child process. The time limits are generous, since the machine may be busy.
 inline std::unique_ptr<SeccompMediaDecoder> makeRealDecoder(Scheduler& scheduler)
 {
     constexpr Milliseconds patience { 60'000 };

@@ -10,7 +10,7 @@
 
 namespace corvane {
 
-/// Speech over the real recognisers, decoder and voice; only what is read aloud is not heard.
+/// Voice services with the real recognisers, decoder and speech tools. Only playback is faked.
 struct RealVoice {
     RealVoice(const MachineFacts& machine, UserDefaults& defaults, Scheduler& clock, const QString& applicationSupport)
         : gate(machine)

@@ -5,7 +5,7 @@
 
 namespace corvane {
 
-/// What each row of a model says in a role, as a text.
+/// The values of a role in all rows of a model, as text.
 inline QStringList column(const QAbstractItemModel& model, const QByteArray& role)
 {
     const int id = model.roleNames().key(role, -1);

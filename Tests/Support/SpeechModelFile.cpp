@@ -24,7 +24,7 @@ public:
                 value(std::abs(float(i) - float(band) * 2.5F) < 3 ? 0.02F : 0.0F);
         }
         numbers({ words });
-        for (int i = 0; i < words; ++i) { // the program looks for these three
+        for (int i = 0; i < words; ++i) { // whisper.cpp looks up 9 to 11 by their text
             const QByteArray word = i == 9 ? " " : i == 10 ? " -" : i == 11 ? " '" : " w" + QByteArray::number(i);
             numbers({ int(word.size()) });
             m_bytes.append(word);
@@ -44,7 +44,7 @@ public:
         norm("encoder.ln_post");
         floats("decoder.positional_embedding", { state, 448 }, 0);
         const auto weightsEnd = weights("decoder.token_embedding.weight", { state, vocabulary });
-        // The first number of a token's weights meets the bias below.
+        // A token's first weight is multiplied by the bias below, which decides the token's score.
         const auto favour = [&](int token, quint16 half) {
             std::memcpy(m_bytes.data() + weightsEnd - qsizetype(vocabulary - token) * state * 2, &half, sizeof half);
         };
@@ -82,7 +82,7 @@ private:
             value(number);
     }
 
-    /// Small numbers of half precision. Returns where they end.
+    /// Appends small random half-precision numbers. Returns the offset of their end.
     qsizetype weights(const QByteArray& name, const QList<qint32>& shape)
     {
         for (qsizetype i = head(name, shape, 1); i > 0; --i) {

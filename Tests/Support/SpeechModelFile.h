@@ -2,7 +2,7 @@
 
 #include <QByteArray>
 
-/// The shape of a whisper model.
+/// The dimensions of a Whisper model.
 struct SpeechModelShape {
     int state = 64;
     int heads = 2;
@@ -11,7 +11,7 @@ struct SpeechModelShape {
 
 inline constexpr SpeechModelShape baseSpeechModel { 512, 8, 6 };
 
-/// A ggml file of that shape. Its weights are noise, but for what makes it write `heardWord`, and nothing else, for
-/// each half minute of sound; a model of noise alone would try for minutes to make sense of it.
 inline constexpr const char* heardWord = "w300";
+/// A ggml file with these dimensions. Its weights are random, except for those that make it transcribe each 30 seconds
+/// of sound as `heardWord` and nothing else. A purely random model would keep decoding for minutes.
 QByteArray speechModelFile(const SpeechModelShape& shape = {});

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// A sentence of an English novel, read aloud, of three seconds.
+/// A recording of a sentence from an English novel, three seconds long.
 inline const QString spokenSound
     = u"/usr/share/pocketsphinx/test/data/librivox/sense_and_sensibility_01_austen_64kb-0880.wav"_s;
 

@@ -14,7 +14,7 @@
 
 namespace corvane {
 
-/// A second connection to the file, as an engine or the tool server holds one.
+/// A second connection to the database file, such as an engine or the tool server has.
 class OtherProcess {
 public:
     explicit OtherProcess(const QString& path) { EXPECT_EQ(sqlite3_open(path.toUtf8().constData(), &m_db), SQLITE_OK); }
@@ -28,12 +28,12 @@ private:
     sqlite3* m_db = nullptr;
 };
 
-/// A database of its own with the real schema, a clock that stands still, and a log that is kept.
+/// A fixture with its own database with the real schema, a virtual clock and a captured log.
 class StoreTest : public testing::Test {
 protected:
     QString path() const { return m_home.paths().database(); }
 
-    /// Opens the file anew, as the next start of the program does.
+    /// Reopens the file, as the next start of the program does.
     LocalDB& open()
     {
         m_db.reset();
@@ -42,7 +42,7 @@ protected:
         return *m_db;
     }
 
-    /// The rows of a query, columns joined by "|", NULL as "-".
+    /// The rows of a query, with columns joined by "|" and NULL as "-".
     QStringList table(const QString& sql, const QList<SqlValue>& parameters = {})
     {
         const auto columns = static_cast<int>(sql.section(u" FROM "_s, 0, 0).count(u',')) + 1;

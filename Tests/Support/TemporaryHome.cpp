@@ -11,7 +11,7 @@ namespace corvane {
 
 namespace {
 
-/// In memory where the machine has such a folder: a test does not wait for a disk.
+/// In memory if possible, so that tests do not wait for a disk.
 QString memoryOrTemporaryFolder()
 {
     const QFileInfo memory(u"/dev/shm"_s);

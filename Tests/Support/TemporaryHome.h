@@ -6,8 +6,8 @@
 
 namespace corvane {
 
-/// A home directory that goes with the test: application support, defaults, and resources that hold the real
-/// schema and an empty engine folder.
+/// A temporary home directory with application support, defaults, and resources. The resources are the real schema, the
+/// real help and an empty engine folder.
 class TemporaryHome {
 public:
     TemporaryHome();
@@ -15,7 +15,7 @@ public:
     const AppPaths& paths() const { return m_paths; }
     QString path(const QString& relative) const { return m_folder.filePath(relative); }
 
-    /// Writes a file, making its folders.
+    /// Writes a file and creates missing folders.
     void write(const QString& relative, const QByteArray& content) const;
     QByteArray read(const QString& relative) const;
 

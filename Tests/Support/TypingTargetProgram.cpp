@@ -1,7 +1,7 @@
-// A program to type into: a line of text in a window. Prints "ready" once it has the keyboard, then its length and its
-// last characters after each change, and the length of what is on the clipboard after each change of that.
+// A program to type into: a window with a line edit. It prints "ready" when it becomes active. When the text changes,
+// it prints its length and its last characters; when the clipboard changes, the length of the clipboard text.
 //
-//   TypingTargetProgram [--password] [--copies COUNT]     so many "x" are on its clipboard
+//   TypingTargetProgram [--password] [--copies COUNT]     puts "x" on the clipboard, COUNT times
 
 #include <QtWidgets>
 #include <cstdio>

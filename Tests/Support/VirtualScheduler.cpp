@@ -49,7 +49,8 @@ void VirtualScheduler::advance(Milliseconds duration)
     const auto earlier = [](const auto& left, const auto& right) {
         return std::pair(left->dueMs, left->order) < std::pair(right->dueMs, right->order);
     };
-    // What a callback adds with a delay of 0 waits for the next call, as it would for the next turn of a loop.
+    // With a duration of 0, timers that a callback adds wait for the next call, as they would for the next iteration of
+    // an event loop.
     const qint64 orderLimit = duration.count() == 0 ? m_nextOrder : std::numeric_limits<qint64>::max();
     for (;;) {
         QList<std::shared_ptr<Entry>> candidates;

@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-// What other processes write when they want a person's word.
+// Rows that other processes write when they need a person's decision.
 
 inline void writeDraft(
     LocalDB& db, const QString& id, const QString& title, const QString& body, const QString& status = "pending")
@@ -28,7 +28,7 @@ VALUES(?,'local',?,?,?,'pending',?,?);)",
         { id, kind, title, payload, db.nowMs(), db.nowMs() }));
 }
 
-/// A person applies the proposal as it stands.
+/// Applies the proposal in its current state, as a person does.
 inline bool applyAsSeen(LocalDB& db, const QString& id)
 {
     const auto seen = crmProposal(db, id).value_or(CRMUpdateProposal());
