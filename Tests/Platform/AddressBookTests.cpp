@@ -35,7 +35,7 @@ AddressBookPerson readOne(const QByteArray& properties)
     return people.value(0);
 }
 
-/// Lines of at most 75 bytes, as a card is folded.
+/// Folds a vCard line into lines of at most 75 bytes.
 QByteArray fold(const QByteArray& line)
 {
     QByteArray folded;
@@ -147,7 +147,7 @@ TEST_F(AddressBookFolders, aFileOfAHundredMegabytesIsReadToItsBound)
 {
     card("share/contacts/home/a.vcf", "Ana");
     QFile file(home.path("share/contacts/home/a.vcf"));
-    ASSERT_TRUE(file.resize(100 * 1024 * 1024)); // one line that never ends
+    ASSERT_TRUE(file.resize(100 * 1024 * 1024)); // the rest is one very long line
     EXPECT_EQ(names(), QStringList("Ana"));
 
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));

@@ -13,7 +13,7 @@ using namespace corvane;
 
 namespace {
 
-/// Allows what it is asked for, or refuses it.
+/// A fake background portal that grants or refuses requests, as `answer` says.
 class BackgroundPortal final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Background")

@@ -37,7 +37,7 @@ QByteArray event(const QByteArray& properties)
     return "BEGIN:VEVENT\r\nUID:a\r\n" + properties + "END:VEVENT\r\n";
 }
 
-/// "start - end title" of what touches the two months, by start.
+/// The entries that overlap the period, as "start - end title", sorted by start.
 QStringList shown(const QByteArray& text, const char* from = "2026-10-01 00:00", const char* to = "2026-12-01 00:00")
 {
     const auto file = IcsFile::read(text, berlin);
@@ -82,7 +82,7 @@ TEST(IcsFile, zonesByAnyNameDaysAndRulesThatEndAreReadAsTheyAreMeant)
                   + event("UID:d\r\nDTSTART:20261008T090000Z\r\nSUMMARY:UTC\r\n"))),
         QStringList({ u"10-05 09:00 - 10-05 09:00 Windows"_s, u"10-06 15:00 - 10-06 15:00 Far"_s,
             u"10-07 09:00 - 10-07 09:00 Unknown"_s, u"10-08 11:00 - 10-08 11:00 UTC"_s }));
-    // Two days over the change of clocks, and a rule by count that began long ago.
+    // A two-day event across the DST change, and recurrences that began before the period.
     EXPECT_EQ(
         shown(calendar(event("DTSTART;VALUE=DATE:20261024\r\nDTEND;VALUE=DATE:20261026\r\nSUMMARY:Trip\r\n")
             + event("UID:b\r\nDTSTART:20260801T080000\r\nDTEND:20260801T090000\r\n"
@@ -122,7 +122,7 @@ TEST(IcsFile, hostileRulesAndTextsCostLittleAndLoseNoNeighbour)
             << rule;
     EXPECT_EQ(
         shown(calendar(event("DTSTART:19900101T090000\r\nRRULE:FREQ=DAILY;COUNT=1000000000\r\n") + plain)).size(), 62);
-    QByteArray many; // a file of rules that never match
+    QByteArray many; // rules that never match
     for (int i = 0; i < 3000; ++i)
         many += event("UID:" + QByteArray::number(i)
             + "\r\nDTSTART:19000101T090000\r\nRRULE:FREQ=DAILY;BYMONTH=2;BYMONTHDAY=30;COUNT=9\r\n");

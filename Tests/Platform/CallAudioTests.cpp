@@ -58,7 +58,7 @@ protected:
     std::unique_ptr<CallAudio> audio = makeCallAudio(scheduler);
 };
 
-/// A program of another name that plays silence, as a call does in which nobody speaks.
+/// A program with a different name that plays silence, like a call in which nobody speaks.
 class Phone {
 public:
     explicit Phone(const QString& folder)
@@ -195,7 +195,7 @@ TEST_F(CallAudioTest, aFullDiskEndsTheTrackAndWhatWasRecordedPlays)
     EXPECT_GT(secondsOf(file("mic.m4a")), 0.9);
 }
 
-/// Not a test of its own: what the next one starts and kills.
+/// Not a test by itself: the next test runs it in child processes and kills them.
 TEST_F(CallAudioTest, DISABLED_recordsUntilItIsKilled)
 {
     const QString to = qEnvironmentVariable(childsFolder);

@@ -20,8 +20,8 @@ namespace {
 
 const QString account = "ann@example.org";
 
-/// The keyring's library keeps what it learned of its surroundings until the process ends. So such a test
-/// starts this program once more, for itself alone and in a home of its own, and does its work there: true there.
+/// The keyring library caches its environment for the lifetime of the process. Each test therefore runs itself again in
+/// a child process with a separate home. Returns true in that child process, where the test does its work.
 bool runsApart()
 {
     if (qEnvironmentVariableIsSet("CORVANE_TEST_RUNS_APART"))
@@ -44,13 +44,13 @@ bool runsApart()
     return false;
 }
 
-/// A bus of the test's own that the keyring's library finds.
+/// A private bus that the keyring library uses as the session bus.
 class SessionBus : public PrivateBus {
 public:
     SessionBus() { ::setenv("DBUS_SESSION_BUS_ADDRESS", qPrintable(address()), 1); }
 };
 
-/// The Secret Service of a desktop that has no one to ask.
+/// A real Secret Service on a desktop that cannot prompt the user.
 class SecretService {
 public:
     enum class State { Unlocked, Locked };
@@ -76,7 +76,7 @@ private:
     QProcess m_daemon;
 };
 
-/// A service that takes every call and never answers.
+/// A service that accepts every call and never replies.
 class Silence : public QDBusVirtualObject {
 public:
     QString introspect(const QString&) const override { return {}; }
@@ -88,7 +88,7 @@ public:
     int calls = 0;
 };
 
-/// The program's secrets over a keyring of the desktop's.
+/// The program's keychain over the desktop keyring, as after a start.
 struct Start {
     VirtualScheduler clock;
     DesktopKeyring keyring;

@@ -31,7 +31,7 @@ const QByteArray series
       "DTSTART;TZID=Office:20261111T140000\r\nDTEND;TZID=Office:20261111T150000\r\nSUMMARY:Moved\r\nEND:VEVENT\r\n"
       "END:VCALENDAR\r\n";
 
-/// The real service on a bus of the test's own.
+/// The real Evolution service on a private bus.
 class EvolutionTest : public testing::Test {
 protected:
     EvolutionTest()

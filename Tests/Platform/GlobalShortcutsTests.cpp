@@ -25,8 +25,8 @@ QStringList& heardFrom(GlobalShortcuts& shortcuts, QStringList& heard)
     return heard;
 }
 
-/// The portal of a desktop that binds what it is asked for, but for "taken"; or that knows what to bind when a session
-/// opens, as KDE 5.27 does.
+/// A fake portal that binds every shortcut it is asked for, except "taken". With `bindsAtOnce` it binds them when the
+/// session is created, as KDE 5.27 does.
 class ShortcutsPortal final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.GlobalShortcuts")
@@ -102,10 +102,10 @@ TEST(X11GlobalShortcutsTest, aKeyWorksFromTheBackgroundOnceForEachPress)
     server.hold(alt);
     server.hold(letterN);
     ASSERT_TRUE(await([&] { return heard == QStringList { "capture" }; }));
-    server.hold(letterN); // as it repeats
+    server.hold(letterN); // auto-repeat
     server.letGo(letterN);
     ASSERT_TRUE(await([&] { return heard == QStringList({ "capture", "capture up" }); }));
-    server.hold(shift); // another key altogether
+    server.hold(shift); // Ctrl+Alt+Shift+N is a different shortcut
     server.hold(letterN);
     server.letGo(letterN);
     server.letGo(shift);
@@ -129,7 +129,7 @@ TEST(X11GlobalShortcutsTest, aKeyOfAnotherProgramIsNamedAndTheNextOneServes)
     shortcuts.bind({ "capture", "", { "Ctrl+Alt+N", "no key", "Ctrl+Alt+Shift+N" } });
     EXPECT_EQ(shortcuts.state("capture"), (GlobalShortcutState { Kind::Bound, "Ctrl+Alt+Shift+N" }));
     other.release("theirs");
-    EXPECT_TRUE(await([&] { // the server may serve one program before the other
+    EXPECT_TRUE(await([&] { // the server may process our request before the release
         shortcuts.bind({ "capture", "", { "Ctrl+Alt+N" } });
         return shortcuts.state("capture").kind == Kind::Bound;
     }));
@@ -171,12 +171,12 @@ TEST(PortalGlobalShortcutsTest, theDesktopBindsThemInOneSession)
     shortcuts.bind({ "record", "", { "F7" } });
     ASSERT_TRUE(await([&] { return shortcuts.state("record").kind == Kind::Bound; }));
     shortcuts.bind({ "mark", "", { "F6" } });
-    bus.settle(); // a session is being opened by now
+    bus.settle(); // by now a session is being created
     shortcuts.bind({ "late", "", { "F5" } });
     ASSERT_TRUE(await([&] { return shortcuts.state("late").kind == Kind::Bound; }));
     EXPECT_TRUE(portal.bound.last().startsWith(session.path())) << "the user's keys are kept under its name";
 
-    portal.answer = 1; // the user said no
+    portal.answer = 1; // the user refused
     shortcuts.bind({ "dictate", "", { "F8" } });
     ASSERT_TRUE(await([&] { return shortcuts.state("dictate").kind == Kind::Unavailable; }));
     EXPECT_EQ(shortcuts.state("capture").kind, Kind::Unavailable);

@@ -56,7 +56,7 @@ protected:
         web.answer(list, models);
     }
 
-    /// Looks at the server, and says why it cannot answer, or nothing.
+    /// Refreshes the model and returns why it is unavailable; empty if it is available.
     QString look()
     {
         bool done = false;
@@ -65,8 +65,7 @@ protected:
         return model.unavailableReason().value_or(QString());
     }
 
-    /// What the call came to: the value, or the words of its failure. The clock is moved on where the server
-    /// answers nothing more.
+    /// Waits for the task and returns its result. With `waitSeconds`, the task must time out after exactly that long.
     template <typename Value> Result<Value> result(QCoro::Task<Result<Value>> task, qint64 waitSeconds = 0)
     {
         const qsizetype before = web.requests().size();
@@ -197,7 +196,7 @@ TEST_F(LanguageModel, aServerThatCannotAnswerIsUnavailableForAStatedReason)
     two.refresh();
     ASSERT_TRUE(await([&] { return !two.unavailableReason(); })) << "the second of the usual servers is found";
 
-    // A server that accepts and says nothing.
+    // A server that accepts connections and never answers.
     web.answer(version, { {}, true });
     model.choose({});
     const qsizetype before = web.requests().size();

@@ -15,7 +15,7 @@ using namespace corvane;
 
 namespace {
 
-/// One property of a power service on a private bus.
+/// A fake power service with one property, on a private bus.
 class PowerService final : public QDBusVirtualObject {
 public:
     PowerService(const QDBusConnection& bus, const QString& service, const QString& path, const QVariant& initial)

@@ -39,7 +39,7 @@ QImage image(QSize size)
     return image;
 }
 
-/// The processes of that name that this one started.
+/// The running DecoderProgram children of this process.
 QList<pid_t> children()
 {
     QList<pid_t> found;
@@ -129,7 +129,7 @@ QString MediaDecoderTest::heif(const QString& name) const
     return home.path(name);
 }
 
-/// A picture of thousands of passes, each of which costs some bytes and a walk over all of it.
+/// A progressive JPEG with thousands of scans. Each scan is only a few bytes, but covers the whole picture.
 QString MediaDecoderTest::slowJpeg() const
 {
     QImage plain(4096, 4096, QImage::Format_Grayscale8);
@@ -154,7 +154,7 @@ TEST_F(MediaDecoderTest, eachFormatIsReadByItsContentAndNoOtherIs)
         ASSERT_TRUE(pixels.has_value()) << path.toStdString() << qPrintable(describe(pixels.error()));
         EXPECT_EQ(pixels->size, QSize(133, 100)) << path.toStdString();
         if (path.endsWith(".gif"))
-            continue; // shows as much as there is of it
+            continue; // a truncated GIF is still shown
         QFile file(path);
         ASSERT_TRUE(file.resize(file.size() / 2));
         EXPECT_EQ(problem(path), DecodeFailure::Damaged) << path.toStdString();
@@ -185,7 +185,7 @@ TEST_F(MediaDecoderTest, whatIsNoPlainFileIsNotOpenedAndWhatIsTooLargeNotDecoded
 
 TEST_F(MediaDecoderTest, aPictureKeepsItsRatioWithinItsRoomAndIsTurnedAsItsCameraSays)
 {
-    EXPECT_EQ(picture(saved("wide.png", { 900, 300 }))->size, QSize(200, 100)); // cut at its sides
+    EXPECT_EQ(picture(saved("wide.png", { 900, 300 }))->size, QSize(200, 100)); // cropped at the sides
     EXPECT_EQ(picture(saved("tall.jpg", { 300, 900 }))->size, QSize(50, 100));
     EXPECT_EQ(picture(saved("small.png", { 40, 30 }))->size, QSize(40, 30));
     QByteArray jpeg = home.read("tall.jpg");
@@ -195,7 +195,7 @@ TEST_F(MediaDecoderTest, aPictureKeepsItsRatioWithinItsRoomAndIsTurnedAsItsCamer
     const auto pixels = picture(put("turned.jpg", jpeg.insert(2, turned)));
     ASSERT_TRUE(pixels.has_value());
     EXPECT_EQ(pixels->size, QSize(200, 100));
-    // What was the left of it is above now.
+    // The left edge is now at the top.
     const auto* const argb = reinterpret_cast<const QRgb*>(pixels->bytes.constData());
     EXPECT_GT(qRed(argb[5 * 200 + 100]), 150);
     EXPECT_GT(qBlue(argb[95 * 200 + 100]), 150);
@@ -220,7 +220,7 @@ TEST_F(MediaDecoderTest, aFileThatTakesTooLongOrKillsTheChildIsNotTriedAgainAndT
     third.reset();
     ASSERT_TRUE(await([&] { return children().size() == 1; }));
     const pid_t child = children().first();
-    // Once it is in its sandbox.
+    // Wait until the child is in its sandbox.
     ASSERT_TRUE(await([&] {
         QFile file(u"/proc/%1/status"_s.arg(child));
         return file.open(QIODevice::ReadOnly) && file.readAll().contains("Seccomp:\t2");

@@ -6,7 +6,7 @@
 
 namespace corvane {
 
-/// PipeWire in place of PulseAudio: the same loudspeaker, and a microphone in a silent room.
+/// PipeWire instead of PulseAudio, with the same loudspeaker and a silent microphone.
 class PipeWireServer {
 public:
     PipeWireServer()
@@ -50,7 +50,7 @@ private:
     }
 
     QTemporaryDir m_folder;
-    PrivateBus m_bus; ///< without one the streams are never linked
+    PrivateBus m_bus; ///< without a bus, streams are never linked
     QProcess m_pipewire;
     QProcess m_manager;
     QProcess m_pulse;

@@ -47,11 +47,11 @@ TEST(PortHolders, onlyTheProcessesBehindAListeningSocketOfThatPortAreFound)
     };
     process("11", "1000", "501");
     process("12", "0", "504");
-    process("13", "1000", "502"); // a connection
-    process("14", "1000", "503"); // the next port
-    process("15", "1000", "50"); // a prefix
-    process("self", "1000", "501"); // no process number
-    process("16", "1000", "501"); // goes away meanwhile
+    process("13", "1000", "502"); // connected, not listening
+    process("14", "1000", "503"); // another port
+    process("15", "1000", "50"); // a prefix of an inode
+    process("self", "1000", "501"); // not a process ID
+    process("16", "1000", "501"); // exits during the scan
     ASSERT_TRUE(QFile::remove(home.path("proc/16/status")));
 
     ProcPortHolders holders(home.path("proc"));
@@ -89,7 +89,7 @@ TEST(PortHolders, terminatingReachesOneProcessAndNeverAGroup)
     QProcess child;
     child.start("sleep", { "60" });
     ASSERT_TRUE(child.waitForStarted());
-    holders->terminate(0); // would end this test
+    holders->terminate(0); // would signal this test's own process group
     holders->terminate(-1);
     holders->terminate(child.processId());
     EXPECT_TRUE(child.waitForFinished());

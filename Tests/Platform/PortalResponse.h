@@ -9,7 +9,7 @@
 
 namespace corvane {
 
-/// Sends the signal in which a portal answers a request, and returns the request's path.
+/// Sends the portal's Response signal for a request and returns the request's object path.
 inline QDBusObjectPath respond(const QDBusConnection& bus, const QDBusMessage& request, const QVariantMap& options,
     uint answer, const QVariantMap& results)
 {

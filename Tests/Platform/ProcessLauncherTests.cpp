@@ -23,7 +23,7 @@ using namespace corvane;
 
 namespace {
 
-/// What a child said and how it ended.
+/// The output and the exit codes of a child.
 struct Watched {
     std::shared_ptr<ChildProcess> child;
     QString text;
@@ -59,7 +59,7 @@ protected:
 
     std::shared_ptr<Watched> start(const QStringList& commands) { return startAs(specOf(commands)); }
 
-    /// The whole life of a child that ends by itself.
+    /// Runs a child until it exits by itself.
     std::shared_ptr<Watched> run(const QStringList& commands)
     {
         auto watched = start(commands);
@@ -202,7 +202,7 @@ TEST_F(ProcessLauncherTest, aHeldChunkStopsTheReadingAndTheEndWaitsForIt)
     const auto started = launcher->start(specOf({ "lines 200000 {n}" }), handlers);
     ASSERT_TRUE(started);
     ASSERT_TRUE(await([&] { return !held.isEmpty(); }));
-    // Other children are read meanwhile, and this one stands still.
+    // Meanwhile other children are read, and this one is blocked.
     run({ "sleep 100", "print done" });
     EXPECT_EQ(held.size(), 1);
     EXPECT_TRUE(exists((*started)->pid()));
@@ -299,7 +299,7 @@ TEST_F(ProcessLauncherTest, aClosedInputFailsTheWriteAndHarmsNobody)
     EXPECT_FALSE(watched->child->write("lost\n"));
     EXPECT_TRUE(watched->child->isRunning());
 
-    // What waits when the input closes is lost, and the next write says so.
+    // Pending data is lost when the input closes, and a later write fails.
     const auto late = start({ "sleep 100", "close-input", "print closed", "hang" });
     EXPECT_TRUE(late->child->write(QByteArray(200'000, 'x')));
     ASSERT_TRUE(await([&] { return !late->text.isEmpty(); }));

@@ -15,7 +15,7 @@ const QString entry = "share/applications/com.nimb.corvane.desktop";
 
 class RegisterDesktopTest : public testing::Test {
 protected:
-    /// What the command said; nothing when all is well.
+    /// Runs a command and returns its output; empty if all is well.
     QString run(const QString& program, const QStringList& arguments)
     {
         QProcess process;

@@ -19,7 +19,7 @@ TEST(RunningPrograms, eachIsToldByItsFileAndByWhatTheDesktopStartedItAs)
     runs("9", "/usr/bin/telegram-desktop", "app-org.telegram.desktop@0f1e.service");
     runs("10", "/usr/bin/bash", "session.slice");
     runs("11", "/usr/bin/bash", "session.slice");
-    home.write("proc/12/cgroup", "0::/kernel\n"); // no program
+    home.write("proc/12/cgroup", "0::/kernel\n"); // no executable
     QList<RunningProgram> found = runningPrograms(home.path("proc"));
     std::ranges::sort(found, {}, &RunningProgram::binary);
     const QList<RunningProgram> expected { { "bash", "" }, { "electron", "signal-desktop" },

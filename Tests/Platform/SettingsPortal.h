@@ -13,7 +13,7 @@
 
 namespace corvane {
 
-/// The settings portal of a desktop on a private bus.
+/// A fake settings portal on a private bus.
 class SettingsPortal final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
@@ -53,7 +53,7 @@ private:
     QDBusConnection m_bus;
 };
 
-/// The file chooser of the same portal; whoever asks is answered at once.
+/// A fake file chooser portal that responds at once.
 class FilePortal final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.FileChooser")
@@ -87,7 +87,7 @@ private:
     const QStringList m_uris;
 };
 
-/// A dock that shows the badges of programs.
+/// A fake dock that records the badges of programs.
 class Dock final : public QObject {
     Q_OBJECT
 public:

@@ -35,7 +35,7 @@ protected:
         QString received;
     };
 
-    /// A start of the program beside this one, whose event loop turns meanwhile.
+    /// Starts another instance on a second thread while this thread runs the event loop. Returns what `claim` returned.
     bool claimElsewhere(
         const QDBusConnection& startBus, const QStringList& arguments, StartFor purpose = StartFor::Window)
     {

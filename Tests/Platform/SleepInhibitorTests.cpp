@@ -15,7 +15,7 @@ using namespace corvane;
 
 namespace {
 
-/// The login manager of a system that gives out locks, some of them only to those who may.
+/// A fake logind that grants locks, except for "sleep:idle".
 class Logind final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Manager")

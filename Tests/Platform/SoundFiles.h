@@ -16,7 +16,7 @@ inline QByteArray output(const QString& program, const QStringList& arguments)
     return process.readAllStandardOutput().trimmed();
 }
 
-/// "codec,rate,channels" of the sound in a file.
+/// The audio format of a file as "codec,rate,channels".
 inline QByteArray formatOf(const QString& path)
 {
     return output("ffprobe",

@@ -13,8 +13,8 @@ namespace corvane {
 
 enum class Microphones { None, One };
 
-/// A PulseAudio server of the test's own, without hardware: a loudspeaker, and a microphone that hears a tone. The
-/// clients of this process find it, and no other, as long as it stands.
+/// A private PulseAudio server without hardware. It has a loudspeaker and, if wanted, a microphone that hears a tone.
+/// While it exists, clients in this process connect to it and to no other server.
 class SoundServer {
 public:
     explicit SoundServer(Microphones microphones)
@@ -44,8 +44,8 @@ public:
         control({ "set-default-sink", "speaker" });
         if (m_microphones == Microphones::One)
             EXPECT_TRUE(control({ "set-default-source", "mic" }));
-        // A room in which nothing plays in haste sleeps for up to two seconds before it is heard, and before it is
-        // silent.
+        // Without a low-latency stream, the null sink sleeps for up to two seconds, so that both sound and silence
+        // arrive late.
         m_haste.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
         m_haste.start("pacat",
             { "--latency-msec=20", m_microphones == Microphones::One ? "--device=room" : "--device=speaker",
@@ -71,7 +71,7 @@ public:
         m_haste.waitForFinished();
     }
 
-    /// Its sound waits, and comes all at once.
+    /// Suspends the server process. After `thaw`, the delayed sound arrives all at once.
     void freeze() { ::kill(pid_t(m_server.processId()), SIGSTOP); }
     void thaw() { ::kill(pid_t(m_server.processId()), SIGCONT); }
 
@@ -82,7 +82,7 @@ public:
             && control({ "set-default-source", "mic" });
     }
 
-    /// What `pactl` is told.
+    /// Runs `pactl` and returns whether it succeeded.
     static bool control(const QStringList& arguments)
     {
         QProcess pactl;

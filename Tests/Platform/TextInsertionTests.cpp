@@ -25,7 +25,7 @@ using Outcome = InsertionOutcome;
 
 namespace {
 
-/// Another program, with a field that has the keyboard.
+/// Another program, with a focused text field.
 class Target {
 public:
     explicit Target(const XServer& server, const QStringList& arguments = {}, const QString& busAddress = {})
@@ -74,7 +74,7 @@ private:
     QByteArrayList m_lines;
 };
 
-/// A Wayland desktop without a screen, and a keyboard at it. It is the one of this process as long as it stands.
+/// A headless Wayland compositor with a virtual keyboard. While it exists, it is this process's Wayland display.
 class Sway {
 public:
     Sway()
@@ -82,7 +82,7 @@ public:
         if (::getuid() == 0)
             EXPECT_EQ(::chown(QFile::encodeName(m_folder.path()).constData(), nobody, nobody), 0);
         m_sway.setChildProcessModifier([] {
-            if (::getuid() == 0) // it refuses to run as root
+            if (::getuid() == 0) // sway refuses to run as root
                 (void)(::setgid(nobody) == 0 && ::setuid(nobody) == 0);
             ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         });
@@ -98,7 +98,7 @@ public:
         }
         m_environment.set("WAYLAND_DISPLAY", "wayland-1");
         start(m_keyboard, "wtype", { "-s", "600000" });
-        // Without shared memory sway crashes at the first key, whoever presses it.
+        // Without shared memory, sway crashes on the first key event from any client.
         const bool takesKeys = QProcess::execute("wtype", { "-M", "shift", "-k", "Insert", "-m", "shift" }) == 0;
         if (!takesKeys || QProcess::execute("wtype", { "-s", "1" }) != 0)
             m_problem = "sway did not survive a key of wtype; it needs a /dev/shm that it may write to";
@@ -111,7 +111,7 @@ public:
         }
     }
 
-    const QString& problem() const { return m_problem; } ///< why nothing can be tried there; empty otherwise
+    const QString& problem() const { return m_problem; } ///< why tests cannot use it; empty if they can
 
 private:
     static void start(QProcess& program, const QString& name, const QStringList& arguments)
@@ -157,7 +157,7 @@ private:
     QProcess m_launcher;
 };
 
-/// The portal of a desktop whose user lets programs type, or not.
+/// A fake remote desktop portal whose user lets programs type or refuses, as `answer` says.
 class RemotePortal final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.RemoteDesktop")
@@ -218,7 +218,8 @@ private:
 
 class TextInsertionTest : public testing::Test {
 protected:
-    /// However long the target takes: the clock stands still once it is in front.
+    /// Inserts a text and waits for the outcome. The clock stops after 200 ms, so a slow target does not cause a
+    /// timeout.
     std::optional<Outcome> insert(TextInsertion& insertion, const QString& text)
     {
         std::optional<Outcome> outcome;
@@ -245,7 +246,7 @@ TEST_F(TextInsertionTest, theProgramInFrontPastesAndTheClipboardKeepsWhatItHeld)
 {
     X11TextInsertion insertion(scheduler, noBus(), server.display);
     EXPECT_EQ(insertion.way(), InsertionWay::PasteKeys);
-    Target target(server, { "--copies", "700000" }); // more than goes in one piece
+    Target target(server, { "--copies", "700000" }); // too large to transfer in one piece
     insertion.aim();
     EXPECT_EQ(insert(insertion, "Grüße, привет ☕"), Outcome::Inserted);
     EXPECT_TRUE(target.says("15 Grüße, привет ☕"));
@@ -360,7 +361,7 @@ TEST_F(TextInsertionTest, theRemoteDesktopPortalTypesOnceTheUserAgreed)
     EXPECT_EQ(portal.keys, (QList<int> { 0xe9, 0x01002615 }));
     portal.close();
     ASSERT_TRUE(await([&] { return insert(insertion, "x") == Outcome::Missed; }));
-    portal.answer = 1; // no
+    portal.answer = 1; // the user refused
     insertion.aim();
     ASSERT_TRUE(await([&] { return insertion.way() != InsertionWay::Typing; }));
 }

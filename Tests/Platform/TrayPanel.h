@@ -10,7 +10,7 @@
 
 namespace corvane {
 
-/// A desktop panel on a private bus: it collects tray icons, reads them and presses them.
+/// A fake desktop panel on a private bus with which tray icons register.
 class TrayPanel final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
@@ -36,13 +36,13 @@ public:
             Q_EMIT StatusNotifierHostUnregistered();
     }
 
-    /// Listens for a signal of the icon or its menu, and notes it in `heard`.
+    /// Records a signal of the icon or its menu in `heard`.
     void watch(const QString& path, const QString& interface, const QString& name)
     {
         m_bus.connect(item, path, interface, name, this, SLOT(onSignal(QDBusMessage)));
     }
 
-    QString item; ///< the service that enrolled last
+    QString item; ///< the service that registered last
     QStringList heard;
 
 public Q_SLOTS:

@@ -43,7 +43,7 @@ protected:
             { "org.kde.StatusNotifierItem", name }));
     }
 
-    /// The menu as the panel reads it.
+    /// The menu items, as read by the panel.
     QList<MenuProperties> menuItems()
     {
         const QDBusMessage reply = askMenu("GetLayout", { 0, -1, QStringList() });

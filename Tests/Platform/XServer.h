@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-/// An X server without a screen, and a keyboard at it.
+/// A headless X server with a simulated keyboard.
 class XServer {
 public:
     explicit XServer(const QStringList& further = {})
@@ -27,7 +27,7 @@ public:
         m_server.waitForFinished();
     }
 
-    /// Returns once the server has them: what other programs ask of it afterwards comes later.
+    /// Returns once the server has processed the events, so that later requests of other programs come after them.
     void send(const QList<std::pair<uint8_t, xcb_keycode_t>>& events)
     {
         for (const auto& [type, code] : events)
@@ -45,7 +45,7 @@ private:
     XcbConnection m_keyboard;
 };
 
-// Of a PC keyboard.
+// Key codes of a PC keyboard.
 inline constexpr xcb_keycode_t control = 37;
 inline constexpr xcb_keycode_t alt = 64;
 inline constexpr xcb_keycode_t shift = 50;
