@@ -1,5 +1,5 @@
-// From an agent's row to the engine's acknowledgment, with every part real but the clock: the agent is another
-// process, the notification service stands on a bus, the engine is the demonstration's.
+// The whole path from an agent's row to the engine's acknowledgement, on a virtual clock. The agent is a separate
+// process, notifications go over a private bus, and the engine is the demo engine.
 
 #include "Approvals/ApprovalsStore.h"
 #include "Calls/RecordedCalls.h"
@@ -21,7 +21,7 @@
 using namespace corvane;
 namespace {
 
-/// What a program prints.
+/// Runs a program and returns its standard output, trimmed.
 QString outputOf(const QString& program, const QStringList& arguments = {})
 {
     QProcess process;
@@ -31,7 +31,7 @@ QString outputOf(const QString& program, const QStringList& arguments = {})
     return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
 }
 
-/// Variables of this process for as long as a test runs.
+/// Sets environment variables for the duration of a test.
 class Environment {
 public:
     explicit Environment(const QList<std::pair<const char*, QString>>& values)
@@ -81,7 +81,7 @@ protected:
         approvals.attach(delivery, calls);
     }
 
-    /// The clock stands still meanwhile.
+    /// Waits for the condition without advancing the clock.
     bool becomes(const std::function<bool()>& condition)
     {
         return await([&] {
@@ -92,7 +92,7 @@ protected:
 
     QString cell(const QString& sql) { return engines.db().scalar(sql).value_or(u"-"_s); }
 
-    /// The id of what the agent left.
+    /// Runs the demo agent and returns the ID of the item it left.
     static QString agent(const QString& kind, const QString& text, const QString& database)
     {
         const QString said
@@ -101,7 +101,7 @@ protected:
     }
     QString agent(const QString& kind, const QString& text) { return agent(kind, text, engines.db().path()); }
 
-    /// The banner of that text, once the gate has looked and the desktop shows it.
+    /// Waits for the next poll and for a banner that ends with `text`, and returns the banner.
     Shown banner(const QString& text)
     {
         clock.advance(seconds(5));
@@ -169,7 +169,7 @@ TEST_F(ApprovalFlow, whatAgentsLeaveIsAnnouncedDecidedSentAndAcknowledged)
     }
     EXPECT_EQ(approvals.drafts().size(), 1);
 
-    // Nothing leaves before the five seconds are over; then the engine gets the text and acknowledges it.
+    // Nothing is sent before the five seconds are over. Then the engine gets the text and acknowledges it.
     approvals.decide(draftKey(draft), Verdict::Approve, seconds(5));
     clock.advance(Milliseconds(4999));
     EXPECT_EQ(draftStatus(draft), u"pending"_s);
@@ -180,7 +180,7 @@ TEST_F(ApprovalFlow, whatAgentsLeaveIsAnnouncedDecidedSentAndAcknowledged)
     clock.advance(seconds(5));
     EXPECT_TRUE(approvals.drafts().isEmpty());
 
-    // The buttons of the banners; a second press changes nothing.
+    // The buttons of the banners work. A second press changes nothing.
     for (int presses = 0; presses < 2; ++presses) {
         press(banner(u"Wants two sizes."_s), u"Approve"_s);
         press(banner(u"Pay the clay."_s), u"Reject"_s);
@@ -190,7 +190,7 @@ TEST_F(ApprovalFlow, whatAgentsLeaveIsAnnouncedDecidedSentAndAcknowledged)
     EXPECT_EQ(
         cell(u"SELECT status || decided_by FROM work_decision WHERE id='%1';"_s.arg(decision)), u"rejectedOskel"_s);
 
-    // A button sends at once.
+    // A banner's button sends at once.
     const QString second = agent(u"draft"_s, u"One."_s);
     press(banner(u"One."_s), u"Approve"_s);
     EXPECT_TRUE(becomes([&] { return draftStatus(second) == u"sent"; }));

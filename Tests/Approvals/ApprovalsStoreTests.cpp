@@ -48,7 +48,7 @@ protected:
         return world.cell(u"SELECT status FROM %1 WHERE id=?;"_s.arg(table), { id });
     }
 
-    /// What was announced since the last call, as "kind id: title" lines.
+    /// The banners shown since the last call, as "kind id: title" lines.
     QStringList announced()
     {
         QStringList lines;
@@ -58,7 +58,7 @@ protected:
         return lines;
     }
 
-    /// The words of the one notice that came, which has no buttons.
+    /// The title and body of the only banner shown since the last call, which must have no buttons.
     QString notice()
     {
         const QList<Banner> shown = std::exchange(world.banners.shown, {});
@@ -159,7 +159,7 @@ TEST_F(ApprovalsTest, whatWasShownIsWhatIsApproved)
     poll();
     ASSERT_EQ(world.banners.shown.size(), 1);
     const Banner first = world.banners.shown.takeFirst();
-    // In the panel: another process changes the text inside the window.
+    // In the panel: another process changes the text during the undo window.
     approve(id);
     updateDraftBody(db(), id, u"changed"_s);
     poll();
@@ -168,7 +168,7 @@ TEST_F(ApprovalsTest, whatWasShownIsWhatIsApproved)
     EXPECT_EQ(
         store.drafts().first().error, u"This draft changed after you approved it. Read it again before you decide."_s);
     ASSERT_EQ(announced(), QStringList(u"draft %1: Ana"_s.arg(id))) << "the person is asked again";
-    // In a notification: it tells what it told.
+    // In a notification: an approval counts only for the announced text.
     updateDraftBody(db(), id, u"changed again"_s);
     world.banners.press(first, u"NIMB_APPROVE"_s);
     EXPECT_EQ(sent(), QStringList());
@@ -178,7 +178,7 @@ TEST_F(ApprovalsTest, whatWasShownIsWhatIsApproved)
     world.banners.press(first, u"NIMB_APPROVE"_s);
     EXPECT_EQ(sent().size(), 1);
     EXPECT_EQ(announced(), QStringList()) << "pressed twice is no failure";
-    // While it waits for its engine.
+    // While the draft waits for its engine.
     markDraftFailed(db(), id, u"no such chat"_s);
     world.launcher.last().writeFailure = u"standard input is full"_s;
     press(u"draft_failed"_s, id, u"approve"_s);
@@ -221,7 +221,7 @@ TEST_F(ApprovalsTest, eachKindIsDecidedFromItsNotification)
     EXPECT_EQ(world.cell(u"SELECT title FROM crm_task;"_s), u"Call"_s);
     EXPECT_EQ(announced(), QStringList());
 
-    // Gone, or not to be done: what happened, and nothing else.
+    // If the item is gone or cannot be decided, a notice says why and nothing else happens.
     db().exec(u"DELETE FROM crm_update_proposal WHERE id='p3'; DELETE FROM work_decision WHERE id='d1';"_s);
     press(u"proposal"_s, u"p3"_s, u"approve"_s);
     EXPECT_EQ(notice(), u"Couldn't approve|Call: It is no longer there."_s);
@@ -276,7 +276,7 @@ TEST_F(ApprovalsTest, everyVerdictCanBeUndoneForFiveSecondsAndIsWrittenAfterThem
 
     for (const auto& [key, verdict] : verdicts)
         store.decide(key, verdict, seconds(5));
-    // Meanwhile other programs: one is decided already, one says something else.
+    // Meanwhile another program decides one item and changes another.
     db().exec(u"UPDATE work_decision SET status='approved' WHERE id='d1'; UPDATE crm_update_proposal SET title='Wire' "
               "WHERE id='p1';"_s);
     world.clock.advance(Milliseconds(4999));

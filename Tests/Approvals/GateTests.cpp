@@ -1,6 +1,6 @@
-// Two copies of the program, other processes, engines, crashes and a person, in every order that chance finds: no text
-// reaches an engine without a live approval of exactly that text, and no rejected draft is ever sent. A failure names
-// its seed: CORVANE_GATE_FIRST=seed CORVANE_GATE_SEEDS=1 tries that order alone.
+// A randomised test: two copies of the program, other processes, engines, crashes and a person act in random order. No
+// text may reach an engine without a current approval of exactly that text, and no rejected draft may ever be sent. A
+// failure prints its seed; CORVANE_GATE_FIRST=seed CORVANE_GATE_SEEDS=1 reruns that order alone.
 
 #include "Approvals/ApprovalsStore.h"
 #include "Foundation/Literals.h"
@@ -21,12 +21,12 @@
 using namespace corvane;
 namespace {
 
-/// A copy's process ends here, between two of its steps.
+/// Thrown to simulate a crash of a copy between two of its steps.
 struct Crash {
     size_t copy;
 };
 
-/// What leaves the machine, and to whom.
+/// The text that leaves the machine, and its recipient.
 struct Content {
     QString account;
     QString channel;
@@ -41,8 +41,8 @@ Content contentOf(const PendingDraft& draft)
     return { draft.accountId, draft.channel, draft.externalId, draft.body };
 }
 
-/// One copy's clock: the shared one, and a way to step in whenever this copy looks at it, which it does before each
-/// of its writes.
+/// A copy's view of the shared clock. It can call `stepIn` when the copy reads the time, which happens before each of
+/// the copy's writes.
 class OwnClock final : public Scheduler {
 public:
     explicit OwnClock(VirtualScheduler& shared)
@@ -72,7 +72,7 @@ private:
     VirtualScheduler& m_shared;
 };
 
-/// Engines that hand on every line that reaches them, and may refuse it.
+/// Engines that pass every line they receive to a callback, which may refuse it.
 class Engines final : public ProcessLauncher {
 public:
     using Line = std::function<bool(const QString& account, const QJsonObject& command)>;
@@ -109,7 +109,7 @@ private:
     Line m_line;
 };
 
-/// Remembers what each banner told of.
+/// Records what each banner reported.
 class Banners final : public NotificationService {
 public:
     explicit Banners(std::function<std::optional<PendingDraft>(const QString& id)> row)
@@ -129,7 +129,7 @@ public:
     {
         m_handler({ { u"approvalKind"_s, u"draft"_s }, { u"approvalId"_s, id } }, action);
     }
-    QHash<QString, Content> told; ///< by the draft's id
+    QHash<QString, Content> told; ///< by draft ID
 
 private:
     std::function<std::optional<PendingDraft>(const QString& id)> m_row;
@@ -152,7 +152,7 @@ const QList<Account>& accounts()
     return both;
 }
 
-/// One running copy of the program, as far as drafts are concerned.
+/// A running copy of the program, reduced to the handling of drafts.
 struct Copy {
     Copy(EngineSurroundings& at, Engines::Line line)
         : clock(at.clock)
@@ -184,10 +184,10 @@ struct Copy {
 
 class Gate : public testing::Test {
 protected:
-    static constexpr int steps = 8; ///< of an order
+    static constexpr int steps = 8; ///< per seed
 
     struct Draft {
-        std::optional<Content> approval; ///< of a person, or what an engine refused once; only while "approved"
+        std::optional<Content> approval; ///< by a person, or kept after an engine refused it; only while "approved"
         bool approvedElsewhere = false;
         struct Armed {
             size_t copy;
@@ -229,7 +229,7 @@ protected:
         return now && statuses.contains(now->status);
     }
 
-    /// A text is at an engine's door. This is the property.
+    /// Called when a text reaches an engine. Checks the property under test.
     bool reach(size_t which, const QString& account, const QJsonObject& command)
     {
         const QString id = command.value(u"draftId"_s).toString();
@@ -258,7 +258,7 @@ protected:
         return true;
     }
 
-    /// A person's approval of what they saw counts where the row waits and is as they saw it.
+    /// A person's approval counts only if the row is still waiting and has the content that the person saw.
     void approvalCounts(const QString& id, const Content& seen)
     {
         const auto now = row(id);
@@ -266,7 +266,7 @@ protected:
             drafts[id].approval = seen;
     }
 
-    /// What is not "approved" holds no approval.
+    /// Drops the approvals of drafts that are not "approved".
     void settle()
     {
         const QStringList approved = other->rows(u"SELECT id FROM outbound_draft WHERE status='approved';"_s, {},
@@ -279,7 +279,7 @@ protected:
         }
     }
 
-    /// Another process writes; while a copy holds the file, it can't.
+    /// Another process changes the row. This fails while a copy has locked the database.
     void writeElsewhere(const QString& id)
     {
         const int what = roll(8);
@@ -401,7 +401,7 @@ protected:
         }
     }
 
-    /// The next millisecond; at most one window ends in it.
+    /// Advances the clock by a millisecond. At most one undo window ends in it.
     void tick()
     {
         const qint64 now = world.clock.nowMs() + 1;
@@ -453,7 +453,7 @@ protected:
     qint64 lastDueMs = 0;
     LogCapture logs;
     bool refusing = false;
-    int crashAtDoor = 0; ///< 1 before the engine took it, 2 after
+    int crashAtDoor = 0; ///< 1: before the engine takes the text, 2: after
     int sent = 0;
     int returned = 0;
     int crashes = 0;
