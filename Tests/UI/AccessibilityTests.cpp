@@ -14,7 +14,7 @@ protected:
             || item->inherits("QQuickListView") || item->activeFocusOnTab();
     }
 
-    /// Every control in sight has a name to read aloud, and a role.
+    /// Checks that every visible control has an accessible name and a role.
     void expectNames(const QString& screen)
     {
         rest();
@@ -35,7 +35,7 @@ protected:
         EXPECT_GT(controls, 3) << qPrintable(screen);
     }
 
-    /// Nothing sticks out of the window, and no word of a button is cut.
+    /// Checks that no control extends beyond the window and no button is narrower than its content.
     void expectInside(const QString& screen)
     {
         rest();
@@ -91,7 +91,7 @@ protected:
         EXPECT_EQ(settings.section(), settings.sections().last().id);
     }
 
-    /// How many pixels in and around the item have the accent's colour.
+    /// The number of pixels in and around the item that have the accent colour.
     int accentAround(QQuickItem* item, const QImage& image)
     {
         const QRect place
@@ -111,7 +111,7 @@ protected:
         return view ? view->property("contentY").toDouble() : 0;
     }
 
-    /// Walks with Tab until the focus is back where it was; at each stop something accent-coloured appears.
+    /// Presses Tab until a stop repeats. Checks that the accent colour appears at each stop.
     void expectFocusVisible(const QString& screen)
     {
         QSet<QQuickItem*> stops;
@@ -125,7 +125,7 @@ protected:
                 break;
             stops.insert(stop);
             const QImage now = picture();
-            // Where the pane was scrolled to show the stop, something else stood in its place.
+            // If the pane scrolled to reveal the stop, the previous picture shows something else in its place.
             const bool moved = std::exchange(scroll, paneScroll()) != scroll;
             EXPECT_GT(accentAround(stop, now), (moved ? 0 : accentAround(stop, before)) + 20) << qPrintable(
                 screen) << ": " << stop->metaObject()->className() << ' ' << qPrintable(stop->objectName());

@@ -11,7 +11,7 @@ namespace corvane {
 
 namespace {
 
-/// The real model of the platform in front of a server that a test plays.
+/// The platform's real model client, connected to a server that the test plays.
 struct ModelServerDouble {
     ModelServerDouble() { web.answer(u"/api/version"_s, LoopbackWeb::json({ { "version", "0.5.1" } })); }
 
@@ -58,7 +58,7 @@ protected:
         rest();
     }
 
-    /// Opens the assistant's menu by its key and goes to a line of it, into its submenu where it has one.
+    /// Opens the assistant's menu with its shortcut and chooses an entry, or an entry of its submenu.
     void choose(int line, int lineOfSubmenu = 0)
     {
         press(Qt::Key_J, Qt::ControlModifier);
@@ -89,7 +89,7 @@ protected:
             visibleItems(), [&](const QQuickItem* candidate) { return candidate->property("text") == text; });
     }
 
-    /// By F6 alone, as far as an item of that name.
+    /// Presses F6 until the focus is within the item of that name.
     void walkTo(const QString& objectName)
     {
         for (int pane = 0; pane < 7 && !focusWithin(objectName); ++pane)

@@ -20,11 +20,11 @@ protected:
     void select(const QString& contactId)
     {
         inbox.person()->select(contactId);
-        clock.advance(Milliseconds(600)); // suggestions come after a pause
+        clock.advance(Milliseconds(600)); // suggestions appear after a pause
         rest();
     }
 
-    /// Clicks what may stand below the edge of the pane: the keyboard brings it into sight.
+    /// Clicks an item that may be scrolled out of view. Keyboard focus scrolls it into view.
     void reach(const QString& objectName)
     {
         if (QQuickItem* target = item(objectName)) {
@@ -172,7 +172,7 @@ TEST_F(ContactPaneWindow, aSectionStaysFoldedAndANarrowWindowFoldsThePane)
     EXPECT_EQ(defaults.boolean(u"nimb.inbox.inspector.tasks.open"_s), false);
     shell.openSettings();
     rest();
-    shell.closeSettings(); // the pane is made anew
+    shell.closeSettings(); // the pane is created again
     rest();
     EXPECT_EQ(findItem(u"contact.task"_s), nullptr);
     reach(u"contact.section.tasks"_s);

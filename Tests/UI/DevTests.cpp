@@ -98,7 +98,7 @@ TEST_F(DevWindow, aBugIsFiledInTwoClicksAndItsEvidenceIsReadOnTheBoard)
     click(u"browser.report"_s);
     EXPECT_TRUE(focusWithin(u"browserReport.title"_s));
     click(u"browserReport.submit"_s);
-    clock.advance(seconds(3)); // the page does not say what stands in its password fields
+    clock.advance(seconds(3)); // the page never reports its password fields; wait for the time limit
     ASSERT_TRUE(await([this] { return screens.browser.sheet()->purpose() == BrowserReportSheet::Purpose::Closed; }));
     rest();
     click(u"browser.notice.action"_s);

@@ -30,8 +30,8 @@ TEST(QrItem, drawsTheThreeCornersInWholePixelsAndFollowsItsText)
     item.setText(u"2@first"_s);
     ASSERT_TRUE(item.valid());
     const QImage first = drawn(item);
-    // A code of version 1 has 21 modules, so 11 pixels each and a margin of 4; a corner is 7 modules of ink
-    // around a ring of paper.
+    // A version 1 code has 21 modules of 11 pixels each here, with a margin of 4 pixels. A corner pattern is 7 modules
+    // wide and dark, with a light ring.
     for (const QPoint corner : { QPoint(4, 4), QPoint(4 + 14 * 11, 4), QPoint(4, 4 + 14 * 11) }) {
         EXPECT_EQ(first.pixelColor(corner + QPoint(1, 1)), QColor(Qt::black));
         EXPECT_EQ(first.pixelColor(corner + QPoint(12, 12)), QColor(Qt::white));

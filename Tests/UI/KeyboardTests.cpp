@@ -138,7 +138,7 @@ TEST_F(KeyboardTest, thePaletteFindsAPersonAndLettersInItMoveNothingElse)
     press(Qt::Key_K, Qt::ControlModifier);
     ASSERT_TRUE(focusWithin(u"palette.query"_s));
 
-    type(u"je"_s); // J and E, which would walk on and archive
+    type(u"je"_s); // J and E would otherwise move on and archive
     EXPECT_EQ(inbox.list()->contacts()->rowCount(), 6);
     press(Qt::Key_Backspace);
     press(Qt::Key_Backspace);

@@ -24,7 +24,7 @@ TEST_F(MediaTest, aPictureShowsInItsOwnRatioWhateverItsFileIsCalled)
     rest();
     QQuickItem* photo = item(u"media.photo"_s);
     ASSERT_NE(photo, nullptr);
-    EXPECT_EQ(photo->size(), QSizeF(320, 240)); // before it has been read
+    EXPECT_EQ(photo->size(), QSizeF(320, 240)); // placeholder, before the file is read
     ASSERT_TRUE(await([&] { return photo->property("ready").toBool(); }));
     rest();
     EXPECT_EQ(photo->size(), QSizeF(std::min(480.0, photo->parentItem()->property("maximumWidth").toDouble()), 240));

@@ -13,7 +13,7 @@ using namespace corvane;
 
 namespace {
 
-/// The program itself, in processes that share a home and a bus.
+/// Runs the real program in processes that share a home and a bus.
 class Program : public testing::Test {
 protected:
     std::unique_ptr<QProcess> start(const QStringList& arguments)

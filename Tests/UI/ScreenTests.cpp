@@ -14,7 +14,7 @@ namespace corvane {
 
 namespace {
 
-/// What a line of the thread shows; nothing of any other item.
+/// The message that a thread item shows; empty for any other item.
 ThreadRow messageOf(const QQuickItem* item)
 {
     const bool isLine = QByteArray(item->metaObject()->className()).startsWith("ThreadItem");
@@ -25,7 +25,7 @@ ThreadRow messageOf(const QQuickItem* item)
 
 class ScreenTest : public WindowTest {
 protected:
-    /// Not one flat colour, in both themes, and different from what was drawn before.
+    /// Checks, in both themes, that the screen is not a single colour and differs from what was drawn before.
     void expectDrawn(const QString& screen)
     {
         for (const ColourScheme scheme : { ColourScheme::Light, ColourScheme::Dark }) {
@@ -124,7 +124,7 @@ TEST_F(ScreenTest, aSheetConnectsOnlyWhenItsRuleHoldsAndKeepsTheSecret)
 
 TEST_F(ScreenTest, aMailboxIsConnectedByAddressAndPasswordAlone)
 {
-    // The child program of the tests stands in for Node, and obeys the entry script.
+    // ChildProgram stands in for Node and runs the entry script.
     const Environment environment { { "CORVANE_NODE", CORVANE_TEST_PROGRAMS "/ChildProgram" } };
     home.write(u"resources/engine/src/main.ts"_s, "");
     launcher.realLauncher = recogniser.launcher.get();
@@ -283,7 +283,7 @@ TEST_F(ScreenTest, olderMessagesComeInAboveAndWhatIsReadStaysInItsPlace)
         }
         return -1.0;
     };
-    // The oldest of a page comes first, and is shown while the others are on their way.
+    // The oldest message of a page arrives first and is shown while the others are still arriving.
     int older = 0;
     const auto receiveOlder = [&] {
         older += 50;
@@ -479,13 +479,13 @@ TEST_F(ScreenTest, aFullDiskIsABannerAndADamagedDatabaseAPageToChooseOn)
     expectDrawn(u"damaged database"_s);
     EXPECT_TRUE(focusWithin(u"recovery.save"_s));
     launcher.exitTerminated();
-    launcher.expect(FakeLauncher::stays(), 4); // the engines that ran, and the tool server
+    launcher.expect(FakeLauncher::stays(), 4); // the engines that were running, and the tool server
     click(u"recovery.new"_s);
     EXPECT_TRUE(await([this] { return engines.mcpRunning(); }));
     rest();
     EXPECT_FALSE(recovery.needed());
     EXPECT_EQ(findItem(u"recovery.new"_s), nullptr);
-    clock.advance(seconds(10)); // the lines that waited for the file go first
+    clock.advance(seconds(10)); // process the lines that waited for the file
 }
 
 }

@@ -49,7 +49,7 @@ ShownRow rowOf(std::u32string_view text, const Style& style = {})
     return row;
 }
 
-/// The columns of a line of pixels that are not of the ground.
+/// The number of pixels in a row that are not the background colour.
 int inked(const QImage& image, int y)
 {
     int count = 0;
@@ -70,7 +70,7 @@ TEST_F(TerminalWindow, aShellOpensAtAKeyPressAndTakesEveryKeyButTheWindowsOwn)
     TerminalItem& terminal = open("stty raw -echo; printf 'ready\\r\\n'; cat -v");
     ASSERT_TRUE(terminal.hasActiveFocus());
     ASSERT_TRUE(awaitShown(terminal, u"ready"_s));
-    type(u"Jk?"_s); // keys of the list elsewhere
+    type(u"Jk?"_s); // shortcuts of the list in other views
     press(Qt::Key_K, Qt::ControlModifier);
     press(Qt::Key_Tab);
     press(Qt::Key_Escape);
@@ -133,7 +133,7 @@ TEST_F(TerminalWindow, aQuestionStandsOverTheTerminalAndIsAnsweredByKey)
     TerminalItem& terminal = open("printf '\\033]52;c;c2VjcmV0\\007'; printf ready; cat");
     ASSERT_TRUE(awaitShown(terminal, u"ready"_s));
     EXPECT_TRUE(question().endsWith(u"“secret”"_s));
-    EXPECT_TRUE(terminal.hasActiveFocus()); // nobody asked for it: a Return in the middle of typing must not grant it
+    EXPECT_TRUE(terminal.hasActiveFocus()); // the question is unrequested: a Return while typing must not grant it
     screens.terminals.answer(true);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), u"secret"_s);
 
@@ -154,7 +154,7 @@ TEST_F(TerminalWindow, blinkingTextGoesAndComesBack)
     ASSERT_TRUE(awaitShown(terminal, u"ready"_s));
     QStyleHints& hints = *QGuiApplication::styleHints();
     const int usual = hints.cursorFlashTime();
-    hints.setCursorFlashTime(0); // only when told to
+    hints.setCursorFlashTime(0); // no blinking except by `setTextOn`
     EXPECT_TRUE(terminal.textBlinks());
     const auto shown = [&](bool on) {
         terminal.setTextOn(on);
@@ -191,7 +191,7 @@ TEST(TerminalPicture, linesMeetEmojiKeepTheirColoursAndEveryColourReads)
     const int width = painter.cell().width();
     const int middle = (painter.cell().height() - std::max(1, (width + 4) / 9)) / 2;
     EXPECT_EQ(inked(painter.row(rowOf(U"────"), 4, look), middle), 4 * width);
-    EXPECT_LT(inked(lines, middle), 6 * width); // the dashes
+    EXPECT_LT(inked(lines, middle), 6 * width); // dashed lines have gaps
 
     ShownRow emoji;
     emoji.styles = { {} };

@@ -42,7 +42,7 @@ protected:
                 expectReadable(text, ground);
         }
         expectReadable("accentInk", "accent");
-        expectReadable("surface", "text"); // toasts and tooltips stand on the text's colour
+        expectReadable("surface", "text"); // toasts and tooltips use the text colour as background
         expectReadable("ink", "paper");
     }
 

@@ -18,8 +18,8 @@ QStringList& warningLines()
 
 void collect(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
-    // The offscreen platform has no windows to put in order or to size, and a picture taken between two frames of
-    // an animation ends its driver twice.
+    // The offscreen platform cannot raise windows or propagate size hints, and grabbing a window between two animation
+    // frames stops the animation driver twice.
     const bool ofThePlatform = message == u"This plugin does not support raise()"
         || message == u"This plugin does not support propagateSizeHints()"
         || message == u"QUnifiedTimer::stopAnimationDriver: driver is not running";
@@ -71,7 +71,7 @@ WindowTest::WindowTest(std::unique_ptr<SystemLanguageModel> other)
     desktop.setAppearance(ColourScheme::Light, true);
     approvals.attach(delivery, app.recordedCalls());
     EXPECT_TRUE(window.window()) << qPrintable(Warnings::seen().join(u'\n'));
-    window.window()->resize(1320, 820); // the screen in memory is small
+    window.window()->resize(1320, 820); // the offscreen screen is small
     window.show();
     rest();
 }

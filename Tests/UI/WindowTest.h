@@ -21,7 +21,7 @@
 
 namespace corvane {
 
-/// Collects what Qt and QML warn of in place of standard error. Nothing in the window may warn.
+/// Collects warnings of Qt and QML instead of printing them to standard error. The window must not cause any.
 class Warnings {
 public:
     Warnings();
@@ -32,7 +32,7 @@ public:
     static QStringList seen();
 };
 
-/// The recogniser of English, unless a test says what is heard.
+/// The real basic recogniser, for English, unless the test sets what is heard.
 class PlayedRecogniser final : public SpeechRecogniser {
 public:
     bool isAvailable() const override { return real->isAvailable(); }
@@ -51,44 +51,43 @@ public:
     QList<HeardSpeech> says;
 };
 
-/// The window over the whole program on a machine that the test plays, engines among it. Each test fails where anything
-/// warned.
+/// The window and the whole program on a fake machine whose engines are played by the test. Any warning fails the test.
 class WindowTest : public testing::Test {
 protected:
-    /// Another model than `model` may answer.
+    /// `other` replaces the fake language model.
     explicit WindowTest(std::unique_ptr<SystemLanguageModel> other = nullptr);
     void TearDown() override;
 
-    /// Which window the calls below are about; null for the main window.
+    /// Sets the window that the calls below act on; null for the main window.
     void turnTo(QQuickWindow* other) { m_front = other; }
     QQuickWindow* front() const { return m_front ? m_front : window.window(); }
 
-    // Past the wall
+    // Both skip the login wall.
     void showEmptyInbox();
-    void showInbox(); ///< six people on three channels, one of them a group, with what they wrote
+    void showInbox(); ///< six conversations on three channels, one of them a group
 
     FakeChild& startEngine(const QString& name, Channel channel = Channel::WhatsApp);
     void receive(FakeChild& engine, const QString& from, const QString& title, const QString& body,
         const QJsonObject& more = {});
 
-    /// Lets timers, bindings and animations come to rest, and the window be drawn.
+    /// Waits until timers, bindings and animations have settled and the window is drawn.
     void rest();
-    QImage picture(); ///< of the whole window, at rest
+    QImage picture(); ///< of the whole window, after `rest`
 
     void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void type(const QString& text);
     void click(const QString& objectName);
 
-    QList<QQuickItem*> visibleItems(); ///< everything that is drawn, popups included
-    QQuickItem* findItem(const QString& objectName); ///< among the visible; null where there is none
-    QQuickItem* item(const QString& objectName); ///< the same, and the test fails where there is none
+    QList<QQuickItem*> visibleItems(); ///< including popups
+    QQuickItem* findItem(const QString& objectName); ///< a visible item; null if there is none
+    QQuickItem* item(const QString& objectName); ///< the same, but fails the test if there is none
     QQuickItem* focused() { return front()->activeFocusItem(); }
     bool focusWithin(const QString& objectName);
 
-    /// Lets every event that waits be handled, at a cost of a millisecond.
+    /// Handles all pending events, which advances the clock by a millisecond.
     void settle() { clock.advance(Milliseconds(1)); }
 
-    /// A row value as text; "-" for NULL or no row.
+    /// The value of a query as text; "-" for NULL or no row.
     QString cell(const QString& sql, const QList<SqlValue>& parameters = {})
     {
         return app.db().scalar(sql, parameters).value_or(u"-"_s);
@@ -97,7 +96,7 @@ protected:
     Warnings warnings;
     TemporaryHome home;
     VirtualScheduler clock;
-    Machine machine; ///< without its services, which the program has
+    Machine machine; ///< without its services, which are moved into `app`
     FakeLauncher& launcher = played<FakeLauncher>(machine.launcher);
     FakeDesktop& desktop = played<FakeDesktop>(machine.desktop);
     FakeMicrophone& microphone = played<FakeMicrophone>(machine.microphone);
@@ -135,7 +134,7 @@ private:
 
 QObject* themeObject(MainWindow& window);
 
-/// A colour of the theme by its name, as it stands now.
+/// The current value of a theme colour.
 QColor themeColour(MainWindow& window, const char* name);
 
 }
