@@ -8,7 +8,7 @@ namespace corvane {
 
 bool await(const std::function<bool()>& condition)
 {
-    const QDeadlineTimer deadline(30'000);
+    const QDeadlineTimer deadline(90'000); // a loaded machine takes its time
     // The condition may become true without an event in this process.
     QTimer tick;
     tick.start(10);
