@@ -136,10 +136,10 @@ export class Session {
     });
   }
 
-  /** Skips a folder that the server does not open. */
+  /** Skips a folder that the server does not open; without the inbox, the session ends with the error. */
   async #inFolder(path: string, known: Map<string, Folder>, work: (folder: Folder) => Promise<void>): Promise<void> {
     const lock = await this.client.getMailboxLock(path).catch(async (error: ImapFlowError) => {
-      if (!this.client.usable) throw error;
+      if (!this.client.usable || path === "INBOX") throw error;
       known.delete(path);
       await log(`The folder ${path} cannot be opened: ${wordsOfServer(error)}`);
     });
