@@ -68,17 +68,20 @@ function testersOf(fault: Fault, room: string): string[] {
     return [room, ...usersOf(room).filter((user) => namesIn(join('Tests', user), type))];
 }
 
-function run(command: string, words: string[], environment: NodeJS.ProcessEnv = {}): boolean {
-    return spawnSync(command, words, { cwd: tree, stdio: 'ignore', env: { ...process.env, ...environment } }).status === 0;
-}
 
 /** A file with a fault must not reach the compile cache, which other checkouts share. */
-const builds = (room: string, cache: 'cached' | 'uncached'): boolean =>
-    run('ninja', ['-C', 'build/check', `${room}Tests`], cache === 'uncached' ? { CCACHE_DISABLE: '1' } : {});
+function builds(room: string, cache: 'cached' | 'uncached'): boolean {
+    const env = { ...process.env, ...(cache === 'uncached' ? { CCACHE_DISABLE: '1' } : {}) };
+    return spawnSync('ninja', ['-C', 'build/check', `${room}Tests`], { cwd: tree, stdio: 'ignore', env }).status === 0;
+}
 
-/** A fault may make the tests run for ever: they fail after so many seconds, with every child of theirs. */
-const passes = (room: string, seconds: number): boolean =>
-    run('timeout', ['--kill-after=5', String(seconds), 'ctest', '--preset', 'check', '-R', `^${room}Tests$`]);
+/** The first test of the room that fails; nothing if all pass. A fault may make the tests run for ever: they fail after
+ *  so many seconds, with every child of theirs. */
+function failing(room: string, seconds: number): string | undefined {
+    const words = ['--kill-after=5', String(seconds), 'ctest', '--preset', 'check', '-R', `^${room}Tests$`];
+    const { status, stdout } = spawnSync('timeout', words, { cwd: tree, encoding: 'utf8', maxBuffer: 1 << 28 });
+    return status === 0 ? undefined : /\[  FAILED  \] ([\w/]+\.[\w/]+)/.exec(stdout)?.[1] ?? `the end of ${room}Tests`;
+}
 
 const limits = new Map<string, number>();
 
@@ -89,8 +92,9 @@ function limitOf(room: string): number {
         return known;
     const isBuilt = builds(room, 'cached');
     const start = Date.now();
-    if (!isBuilt || !passes(room, 900)) {
-        console.error(`${room}Tests ${isBuilt ? 'fails' : 'does not build'} without any fault.`);
+    const trouble = isBuilt ? failing(room, 900) : 'the build';
+    if (trouble) {
+        console.error(`${room}Tests fails without any fault: ${trouble}.`);
         process.exit(1);
     }
     const limit = Math.ceil((Date.now() - start) / 100) + 10;
@@ -98,8 +102,8 @@ function limitOf(room: string): number {
     return limit;
 }
 
-/** Nothing if the fault does not compile. */
-function isFound(fault: Fault, room: string): boolean | undefined {
+/** The test of the room that fails; empty if all pass, nothing if the fault does not compile. */
+function finder(fault: Fault, room: string): string | undefined {
     const limit = limitOf(room); // before the fault is there
     const path = join(tree, fault.file);
     const whole = readFileSync(path, 'utf8');
@@ -107,7 +111,7 @@ function isFound(fault: Fault, room: string): boolean | undefined {
     lines[fault.line - 1] = fault.after;
     writeFileSync(path, lines.join('\n'));
     try {
-        return builds(room, 'uncached') ? !passes(room, limit) : undefined;
+        return builds(room, 'uncached') ? failing(room, limit) ?? '' : undefined;
     } finally {
         writeFileSync(path, whole);
     }
@@ -121,16 +125,17 @@ const survivors: Fault[] = [];
 let tried = 0;
 while (tried < Number(count) && pool.length) {
     const [{ room, fault }] = pool.splice(Math.floor(random() * pool.length), 1);
-    let found: boolean | undefined = false;
+    let found: string | undefined = '';
     for (const tester of testersOf(fault, room)) {
-        found = isFound(fault, tester);
-        if (found !== false)
+        found = finder(fault, tester);
+        if (found !== '')
             break;
     }
     if (found === undefined)
         continue;
     ++tried;
-    console.log(`${found ? 'found   ' : 'SURVIVED'} ${fault.file}:${fault.line}: ${fault.before.trim()}  ->  ${fault.after.trim() || '(dropped)'}`);
+    const change = `${fault.file}:${fault.line}: ${fault.before.trim()}  ->  ${fault.after.trim() || '(dropped)'}`;
+    console.log(found ? `found    ${change}  by ${found}` : `SURVIVED ${change}`);
     if (!found)
         survivors.push(fault);
 }
