@@ -68,9 +68,10 @@ file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/generated/Support/Places.h" CONTENT [
 
 # One line of ctest: the program runs on its own, without a display, in a home of its own. The limit holds beside busy
 # processes, too.
+# Only one such program runs at a time; the engines' tests, mostly waiting, run beside it.
 function(corvane_test target)
     add_test(NAME ${target} COMMAND ${target})
-    set_tests_properties(${target} PROPERTIES TIMEOUT 1800 ENVIRONMENT
+    set_tests_properties(${target} PROPERTIES TIMEOUT 1800 RESOURCE_LOCK programs ENVIRONMENT
         "QT_QPA_PLATFORM=offscreen;QT_QUICK_BACKEND=software;QT_FONT_DPI=96;LC_ALL=C.UTF-8;TZ=Europe/Berlin;UBSAN_OPTIONS=print_stacktrace=1;ASAN_OPTIONS=detect_leaks=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/Tests/Support/leaks.txt:print_suppressions=0")
 endfunction()
 
