@@ -156,7 +156,7 @@ void drawDev(Gallery& gallery)
     dev.rail()->setSearch({});
     dev.setTab(u"terminal"_s);
     screens.terminals.closeCurrent();
-    screens.terminals.answer(true);
+    screens.terminals.question()->answer(true);
     screens.shell.selectHub(u"lumo"_s);
     screens.lumo.shell()->rail()->setPlace(u"console"_s);
     screens.lumoConsole.setTab(u"assistant"_s);

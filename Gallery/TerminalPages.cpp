@@ -32,7 +32,7 @@ void drawTerminals(Gallery& gallery)
     gallery.wait(pause);
     terminals.paste(u"cd site\nnpm run build\n./deploy.sh\n"_s);
     gallery.save(u"terminal-question"_s);
-    terminals.answer(false);
+    terminals.question()->answer(false);
     gallery.screens().shell.selectHub(u"inbox"_s);
 }
 

@@ -97,18 +97,18 @@ TEST_F(Terminals, closingAndQuittingAskWhileAProgramRuns)
     session.send(u"cat\n"_s);
     ASSERT_TRUE(await([&] { return session.runningCommand() == u"cat"_s; }));
     view.close(id);
-    EXPECT_EQ(view.question(), u"cat is still running. Closing the terminal ends it."_s);
-    view.answer(false);
+    EXPECT_EQ(view.question()->text(), u"cat is still running. Closing the terminal ends it."_s);
+    view.question()->answer(false);
     EXPECT_EQ(view.count(), 1);
 
     EXPECT_TRUE(view.asksBeforeQuit());
     EXPECT_FALSE(view.asksBeforeQuit()); // the second request is not questioned
-    QSignalSpy quit(&view, &TerminalsView::quitConfirmed);
-    view.answer(true);
+    QSignalSpy quit(view.question(), &TerminalQuestion::quitConfirmed);
+    view.question()->answer(true);
     EXPECT_EQ(quit.size(), 1);
 
     view.close(id);
-    view.answer(true);
+    view.question()->answer(true);
     EXPECT_EQ(view.count(), 0);
     EXPECT_EQ(view.current(), nullptr);
 }
@@ -159,14 +159,14 @@ TEST_F(Terminals, pastingLinesAsksWhereTheProgramDoesNotKnowPastes)
     LumoTerminalSession& session = open("stty -echo; printf ready; cat -v");
     ASSERT_TRUE(awaitText(session, u"ready"_s));
     view.paste(u"one"_s);
-    EXPECT_EQ(view.question(), QString());
+    EXPECT_EQ(view.question()->text(), QString());
     view.paste(u"rm x\ny\n"_s);
-    EXPECT_EQ(view.question(), u"Paste 2 lines? The program in the terminal acts on each at once: “rm x y”"_s);
-    view.answer(true);
+    EXPECT_EQ(view.question()->text(), u"Paste 2 lines? The program in the terminal acts on each at once: “rm x y”"_s);
+    view.question()->answer(true);
     EXPECT_TRUE(awaitText(session, u"onerm x"_s));
     session.terminal()->terminal()->feed("\x1b[?2004h");
     view.paste(u"a\x1b[201~\nb"_s);
-    EXPECT_EQ(view.question(), QString());
+    EXPECT_EQ(view.question()->text(), QString());
     session.send(u"\n"_s);
     EXPECT_TRUE(awaitText(session, u"^[[200~a[201~"_s));
 }
@@ -177,9 +177,9 @@ TEST_F(Terminals, aPasteThatWouldBeDroppedIsRefused)
     ASSERT_TRUE(awaitText(session, u"ready"_s));
     for (int i = 0; i < 4; ++i)
         view.paste(QString(1'000'000, u'x'));
-    EXPECT_EQ(view.question(), QString());
+    EXPECT_EQ(view.question()->text(), QString());
     view.paste(QString(1'000'000, u'x'));
-    EXPECT_TRUE(view.question().startsWith(u"The program in the terminal has not read"_s));
+    EXPECT_TRUE(view.question()->text().startsWith(u"The program in the terminal has not read"_s));
 }
 
 TEST_F(Terminals, aViewThatIsScrolledBackStaysOnItsText)

@@ -37,7 +37,7 @@ protected:
             return terminal.shownText().contains(text);
         });
     }
-    QString question() { return screens.terminals.question(); }
+    QString question() { return screens.terminals.question()->text(); }
 };
 
 ShownRow rowOf(std::u32string_view text, const Style& style = {})
@@ -134,7 +134,7 @@ TEST_F(TerminalWindow, aQuestionStandsOverTheTerminalAndIsAnsweredByKey)
     ASSERT_TRUE(awaitShown(terminal, u"ready"_s));
     EXPECT_TRUE(question().endsWith(u"“secret”"_s));
     EXPECT_TRUE(terminal.hasActiveFocus()); // the question is unrequested: a Return while typing must not grant it
-    screens.terminals.answer(true);
+    screens.terminals.question()->answer(true);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), u"secret"_s);
 
     QGuiApplication::clipboard()->setText(u"one\ntwo\n"_s);

@@ -166,7 +166,7 @@ Screens::Screens(CorvaneApp& root)
         app.quit();
     });
     for (const auto& [hub, view] : shells) {
-        QObject::connect(view, &TerminalsView::quitConfirmed, &app, &CorvaneApp::quit);
+        QObject::connect(view->question(), &TerminalQuestion::quitConfirmed, &app, &CorvaneApp::quit);
         QObject::connect(view, &TerminalsView::notified, &app,
             [this](const QString& title, const QString& body) { app.notifier().notifyTerminal(title, body); });
     }

@@ -1,8 +1,6 @@
 #include "Terminals/TerminalsView.h"
 
 #include "Foundation/Literals.h"
-#include "Foundation/Text.h"
-#include "Foundation/UserDefaults.h"
 #include "Platform/Desktop.h"
 #include "Terminals/ShellCommand.h"
 
@@ -14,21 +12,9 @@ namespace corvane {
 
 namespace {
 
-const QString fontSizeKey = u"Corvane.terminal.fontSize"_s;
-constexpr int usualFontSize = 14;
-constexpr int smallestFontSize = 8;
-constexpr int largestFontSize = 40;
 constexpr Milliseconds shortestSession { 2000 };
 constexpr Milliseconds pauseOfNotifications { 2000 };
 constexpr qsizetype largestPaste = 1'000'000;
-constexpr qsizetype largestClipboard = 1 << 20;
-
-QString quoted(const QString& text)
-{
-    constexpr int most = 60;
-    const QString line = firstCharacters(singleLine(text), most);
-    return u'“' + line + (line.size() < singleLine(text).size() ? u"…”"_s : u"”"_s);
-}
 
 /// What fills a bar: all of it where the program does not say how far it is.
 qreal shareOf(const TerminalRequests::Progress& progress)
@@ -49,9 +35,15 @@ qreal shareOf(const TerminalRequests::Progress& progress)
 TerminalsView::TerminalsView(Surroundings at, QObject* parent)
     : QObject(parent)
     , m_at(std::move(at))
-    , m_fontSize(std::clamp(
-          int(m_at.defaults.integer(fontSizeKey).value_or(usualFontSize)), smallestFontSize, largestFontSize))
+    , m_fontSize(m_at.defaults)
 {
+    connect(&m_question, &TerminalQuestion::closeConfirmed, this,
+        [this](LumoTerminalSession* session) { closeNow(*session); });
+    connect(&m_question, &TerminalQuestion::pasteConfirmed, this,
+        [this](LumoTerminalSession* session, const QString& text) {
+            if (session->isRunning())
+                pasteNow(*session, text.toStdString());
+        });
 }
 
 TerminalsView::~TerminalsView() = default;
@@ -94,14 +86,8 @@ LumoTerminalSession& TerminalsView::add(LumoTerminalSession::Options options)
         m_notifiedAt = now;
         Q_EMIT notified(title, body);
     });
-    connect(&session, &LumoTerminalSession::clipboardRequested, this, [this, &session](const QString& text) {
-        // A program must not replace a question that the user is about to answer.
-        if (!m_question.text.isEmpty() || text.size() > largestClipboard)
-            return;
-        ask({ Subject::Clipboard,
-            u"A program in %1 wants to put this on the clipboard: %2"_s.arg(session.label(), quoted(text)), u"Allow"_s,
-            u"Refuse"_s, &session, text });
-    });
+    connect(&session, &LumoTerminalSession::clipboardRequested, this,
+        [this, &session](const QString& text) { m_question.askForClipboard(session, text); });
     select(session.id());
     return session;
 }
@@ -147,8 +133,7 @@ void TerminalsView::close(const QString& id)
     if (program.isEmpty())
         return closeNow(*session);
     select(id);
-    ask({ Subject::Close, u"%1 is still running. Closing the terminal ends it."_s.arg(program), u"Close"_s,
-        u"Keep open"_s, session });
+    m_question.askToClose(*session, program);
 }
 
 void TerminalsView::closeCurrent()
@@ -165,8 +150,7 @@ void TerminalsView::closeNow(LumoTerminalSession& session)
     const auto next = m_sessions.erase(at);
     if (m_current == gone)
         m_current = m_sessions.empty() ? nullptr : (next == m_sessions.end() ? m_sessions.back() : *next).get();
-    if (m_question.session == gone)
-        ask({});
+    m_question.withdraw(*gone);
     refresh();
     gone->disconnect(this);
     gone->terminate();
@@ -203,17 +187,12 @@ void TerminalsView::paste(const QString& text)
     if (!m_current || !m_current->isRunning() || text.isEmpty())
         return;
     const std::string bytes = text.toStdString();
-    if (qsizetype(bytes.size()) > largestPaste) {
-        return ask({ Subject::None, u"The clipboard holds more than 1 MB, too much to paste into a terminal."_s, {},
-            u"Close"_s, m_current });
-    }
+    if (qsizetype(bytes.size()) > largestPaste)
+        return m_question.tell(*m_current, u"The clipboard holds more than 1 MB, too much to paste into a terminal."_s);
     const bool bracketed = m_current->terminal()->terminal()->has(terminal::Mode::BracketedPaste);
     if (bracketed || !(text.contains(u'\n') || text.contains(u'\r')))
         return pasteNow(*m_current, bytes);
-    const auto lines = text.trimmed().count(u'\n') + 1;
-    const QString words = lines == 1 ? u"Paste this line? The program in the terminal acts on it at once: %1"_s
-                                     : u"Paste %2 lines? The program in the terminal acts on each at once: %1"_s;
-    ask({ Subject::Paste, words.arg(quoted(text), QString::number(lines)), u"Paste"_s, u"Cancel"_s, m_current, text });
+    m_question.askToPaste(*m_current, text);
 }
 
 void TerminalsView::pasteNow(LumoTerminalSession& session, const std::string& bytes)
@@ -221,40 +200,7 @@ void TerminalsView::pasteNow(LumoTerminalSession& session, const std::string& by
     if (session.terminal()->hasRoomFor(bytes.size()))
         session.terminal()->terminal()->paste(bytes);
     else
-        ask({ Subject::None, u"The program in the terminal has not read what came before. Nothing was pasted."_s, {},
-            u"Close"_s, &session });
-}
-
-void TerminalsView::ask(const Question& question)
-{
-    m_question = question;
-    Q_EMIT questionChanged();
-}
-
-void TerminalsView::answer(bool yes)
-{
-    const Question question = m_question;
-    ask({});
-    if (!yes)
-        return;
-    switch (question.subject) {
-    case Subject::Close:
-        if (question.session)
-            closeNow(*question.session);
-        break;
-    case Subject::Paste:
-        if (question.session && question.session->isRunning())
-            pasteNow(*question.session, question.data.toStdString());
-        break;
-    case Subject::Clipboard:
-        Q_EMIT clipboardGranted(question.data);
-        break;
-    case Subject::Quit:
-        Q_EMIT quitConfirmed();
-        break;
-    case Subject::None:
-        break;
-    }
+        m_question.tell(session, u"The program in the terminal has not read what came before. Nothing was pasted."_s);
 }
 
 QString TerminalsView::endedText() const
@@ -304,41 +250,14 @@ void TerminalsView::openFile(const FileReference& file)
     m_at.desktop.openFile(mayRun ? info.absolutePath() : file.path);
 }
 
-void TerminalsView::enlarge(int steps)
-{
-    setFontSize(m_fontSize + steps);
-}
-
-void TerminalsView::resetFontSize()
-{
-    setFontSize(usualFontSize);
-}
-
-void TerminalsView::setFontSize(int size)
-{
-    size = std::clamp(size, smallestFontSize, largestFontSize);
-    if (std::exchange(m_fontSize, size) == size)
-        return;
-    m_at.defaults.setInteger(fontSizeKey, size);
-    Q_EMIT fontSizeChanged();
-}
-
 bool TerminalsView::asksBeforeQuit()
 {
-    if (m_question.subject == Subject::Quit)
-        return false;
     QStringList programs;
     for (const auto& session : m_sessions) {
         if (const QString program = session->runningCommand(); !program.isEmpty())
             programs.append(program);
     }
-    if (programs.isEmpty())
-        return false;
-    const QString verb = programs.size() == 1 ? u"is"_s : u"are"_s;
-    ask({ Subject::Quit,
-        u"%1 %2 still running in a terminal. Quitting Corvane ends that."_s.arg(programs.join(u", "_s), verb),
-        u"Quit"_s, u"Keep running"_s });
-    return true;
+    return m_question.askToQuit(programs);
 }
 
 void TerminalsView::refresh()

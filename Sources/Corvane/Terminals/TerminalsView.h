@@ -4,8 +4,9 @@
 #include "Presentation/RowListModel.h"
 #include "Terminals/FileReference.h"
 #include "Terminals/LumoTerminalSession.h"
+#include "Terminals/TerminalFontSize.h"
+#include "Terminals/TerminalQuestion.h"
 
-#include <QPointer>
 #include <sys/types.h>
 
 namespace corvane {
@@ -44,18 +45,15 @@ struct TerminalPlace {
     QString directory = {}; ///< empty: that of the current tab
 };
 
-/// The terminal screen: local shells in tabs, one question at a time about them, and their font size.
+/// The terminal screen: local shells in tabs.
 class TerminalsView : public QObject {
     Q_OBJECT
     Q_PROPERTY(corvane::HoldingListModel* tabs READ tabs CONSTANT)
     Q_PROPERTY(int count READ count NOTIFY changed)
     Q_PROPERTY(corvane::LumoTerminalSession* current READ current NOTIFY changed)
-    Q_PROPERTY(QString question READ question NOTIFY questionChanged) ///< empty for none
-    Q_PROPERTY(QString questionAction READ questionAction NOTIFY questionChanged)
-    Q_PROPERTY(QString questionRefusal READ questionRefusal NOTIFY questionChanged)
-    Q_PROPERTY(bool questionTakesFocus READ questionTakesFocus NOTIFY questionChanged) ///< the user triggered it
+    Q_PROPERTY(corvane::TerminalQuestion* question READ question CONSTANT)
     Q_PROPERTY(QString endedText READ endedText NOTIFY changed) ///< of the current tab; empty while its shell runs
-    Q_PROPERTY(int fontSize READ fontSize NOTIFY fontSizeChanged) ///< in pixels
+    Q_PROPERTY(corvane::TerminalFontSize* fontSize READ fontSize CONSTANT)
     Q_PROPERTY(QString emptyTitle READ emptyTitle CONSTANT)
     Q_PROPERTY(QString emptyDetail READ emptyDetail CONSTANT)
     Q_PROPERTY(QString createLabel READ createLabel CONSTANT)
@@ -78,6 +76,8 @@ public:
     HoldingListModel* tabs() { return &m_tabs; }
     int count() const { return int(m_sessions.size()); }
     LumoTerminalSession* current() const { return m_current; }
+    TerminalQuestion* question() { return &m_question; }
+    TerminalFontSize* fontSize() { return &m_fontSize; }
     const std::vector<std::unique_ptr<LumoTerminalSession>>& localSessions() const { return m_sessions; }
 
     /// A new shell in front, titled "{slug}-{label}-{number}"; types the command into it.
@@ -96,12 +96,6 @@ public:
     Q_INVOKABLE void rename(const QString& id, const QString& name); ///< empty: the shell's title
     Q_INVOKABLE void paste(const QString& text); ///< into the current tab; asks first if it would run at once
 
-    QString question() const { return m_question.text; }
-    QString questionAction() const { return m_question.action; }
-    QString questionRefusal() const { return m_question.refusal; }
-    Q_INVOKABLE void answer(bool yes);
-
-    bool questionTakesFocus() const { return m_question.subject != Subject::Clipboard; }
     /// A file opens in the user's editor at its line, an address in the browser that was set, anything else in the
     /// desktop's default program.
     Q_INVOKABLE void openLink(const QString& address);
@@ -114,40 +108,20 @@ public:
     QString restartLabel() const { return u"Start again"_s; }
     QString closeLabel() const { return u"Close terminal"_s; }
 
-    int fontSize() const { return m_fontSize; }
-    Q_INVOKABLE void enlarge(int steps);
-    Q_INVOKABLE void resetFontSize();
-
     /// True if programs are still running: asks the question, unless it is already shown; a second call means to quit.
     bool asksBeforeQuit();
 
 Q_SIGNALS:
     void changed();
-    void questionChanged();
-    void fontSizeChanged();
-    void clipboardGranted(const QString& text);
     void notified(const QString& title, const QString& body); ///< by a program, not more often than every 2 seconds
-    void quitConfirmed();
 
 private:
-    enum class Subject { None, Close, Paste, Clipboard, Quit };
-    struct Question {
-        Subject subject = Subject::None;
-        QString text {};
-        QString action {};
-        QString refusal {};
-        QPointer<LumoTerminalSession> session {};
-        QString data {};
-    };
-
     LumoTerminalSession& add(LumoTerminalSession::Options options);
     LumoTerminalSession* find(const QString& id) const;
     void closeNow(LumoTerminalSession& session);
     void pasteNow(LumoTerminalSession& session, const std::string& bytes);
     void sessionEnded(LumoTerminalSession& session);
-    void ask(const Question& question);
     void refresh();
-    void setFontSize(int size);
     QString titleFor(const QString& label, const TerminalPlace& place = {}) const;
     void openFile(const FileReference& file);
 
@@ -156,9 +130,9 @@ private:
     std::vector<std::unique_ptr<LumoTerminalSession>> m_sessions;
     LumoTerminalSession* m_current = nullptr;
     RowListModel<TerminalTab> m_tabs;
-    Question m_question;
+    TerminalQuestion m_question;
+    TerminalFontSize m_fontSize;
     std::optional<qint64> m_notifiedAt;
-    int m_fontSize;
     TerminalPlace m_place;
 };
 

@@ -47,8 +47,8 @@ WorkShells::WorkShells(
 {
     connect(&m_view, &TerminalsView::changed, this, &WorkShells::changed);
     // Shows the terminal with the question.
-    connect(
-        &m_view, &TerminalsView::questionChanged, this, [this] { setOpen(m_open || !m_view.question().isEmpty()); });
+    connect(m_view.question(), &TerminalQuestion::changed, this,
+        [this] { setOpen(m_open || !m_view.question()->text().isEmpty()); });
 }
 
 bool WorkShells::isOpen() const

@@ -68,12 +68,15 @@ FocusScope {
     }
     Connections {
         target: view.screen
-        function onClipboardGranted(text) { WindowTools.copy(text); }
         function onChanged() {
             if (view.screen.count === 0)
                 start.forceActiveFocus();
             else if (start.activeFocus)
                 pane.forceActiveFocus();
         }
+    }
+    Connections {
+        target: view.screen.question
+        function onClipboardGranted(text) { WindowTools.copy(text); }
     }
 }

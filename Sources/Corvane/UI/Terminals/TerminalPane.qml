@@ -42,13 +42,13 @@ FocusScope {
             copyTranscript();
             break;
         case "largerType":
-            screen.enlarge(1);
+            screen.fontSize.enlarge(1);
             break;
         case "smallerType":
-            screen.enlarge(-1);
+            screen.fontSize.enlarge(-1);
             break;
         case "usualType":
-            screen.resetFontSize();
+            screen.fontSize.reset();
             break;
         case "back":
             back();
@@ -58,8 +58,8 @@ FocusScope {
 
     /// One at a time: the question, then the search.
     function back() {
-        if (screen.question)
-            screen.answer(false);
+        if (screen.question.text)
+            screen.question.answer(false);
         else if (screen.current && screen.current.search.shown)
             screen.current.search.shown = false;
         terminal.forceActiveFocus();
@@ -81,7 +81,7 @@ FocusScope {
 
     /// Unrequested content does not take the focus.
     function turnToQuestion() {
-        if (question.visible && screen.questionTakesFocus)
+        if (question.visible && screen.question.takesFocus)
             question.takeFocus();
     }
 
@@ -112,11 +112,11 @@ FocusScope {
                 width: parent.width
                 visible: text !== ""
                 tone: "warn"
-                text: pane.screen.question
-                action: pane.screen.questionAction
-                otherAction: pane.screen.questionRefusal
+                text: pane.screen.question.text
+                action: pane.screen.question.action
+                otherAction: pane.screen.question.refusal
                 onActed: {
-                    pane.screen.answer(true);
+                    pane.screen.question.answer(true);
                     terminal.forceActiveFocus();
                 }
                 onActedOtherwise: pane.back()
@@ -144,7 +144,7 @@ FocusScope {
         anchors.topMargin: notices.height + Theme.small
         focus: true
         session: pane.screen.current
-        fontSize: pane.screen.fontSize
+        fontSize: pane.screen.fontSize.pixels
         colors: [...Theme.terminal, Theme.text, Theme.surface, Theme.accent]
         dark: Theme.dark
         selectionColor: Theme.accent

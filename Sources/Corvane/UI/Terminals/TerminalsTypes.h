@@ -15,6 +15,20 @@ struct TerminalsViewType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct TerminalQuestionType {
+    Q_GADGET
+    QML_FOREIGN(corvane::TerminalQuestion)
+    QML_NAMED_ELEMENT(TerminalQuestion)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct TerminalFontSizeType {
+    Q_GADGET
+    QML_FOREIGN(corvane::TerminalFontSize)
+    QML_NAMED_ELEMENT(TerminalFontSize)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct LumoTerminalSessionType {
     Q_GADGET
     QML_FOREIGN(corvane::LumoTerminalSession)

@@ -109,7 +109,7 @@ FocusScope {
         function onBrought() { strip.forceActiveFocus(Qt.OtherFocusReason); }
     }
     Connections {
-        target: strip.terminals
+        target: strip.terminals.question
         function onClipboardGranted(text) { WindowTools.copy(text); }
     }
 }
