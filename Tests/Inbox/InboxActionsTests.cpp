@@ -239,20 +239,20 @@ TEST_F(InboxViewTest, olderMessagesAreAskedForAndTheControlComesBack)
 {
     receiveFromAnaAndBen();
     inbox.person()->select(ana);
-    ThreadView& thread = *inbox.person()->thread();
-    EXPECT_TRUE(thread.canLoadOlder());
-    thread.loadMore();
-    EXPECT_EQ(thread.loadOlderText(), "Loading older messages…");
-    thread.loadMore();
+    ThreadHistory& history = *inbox.person()->thread()->history();
+    EXPECT_TRUE(history.canLoadOlder());
+    history.loadMore();
+    EXPECT_EQ(history.loadOlderText(), "Loading older messages…");
+    history.loadMore();
     EXPECT_EQ(commands("loadMore").size(), 1);
     clock.advance(seconds(4));
-    EXPECT_FALSE(thread.loadingMore());
+    EXPECT_FALSE(history.loadingMore());
     engines.stop(account);
-    thread.loadMore();
+    history.loadMore();
     EXPECT_EQ(inbox.reply()->composer()->sendError(), "Account " + account.slug + " is not connected");
     inbox.person()->select(ben);
     EXPECT_EQ(inbox.reply()->composer()->sendError(), "");
-    EXPECT_FALSE(thread.loadingMore());
+    EXPECT_FALSE(history.loadingMore());
 }
 
 TEST_F(InboxViewTest, aMediumIsFetchedAndAReactionIsKept)
@@ -261,11 +261,12 @@ TEST_F(InboxViewTest, aMediumIsFetchedAndAReactionIsKept)
     EXPECT_EQ(column(inbox.list()->contacts(), "snippet"), QStringList("Image"));
     inbox.person()->select(ana);
     ThreadView& thread = *inbox.person()->thread();
+    MessageActions& actions = *inbox.person()->messageActions();
     const auto last = [&](const QByteArray& role) {
         return column(thread.rows(), role).last();
     };
     EXPECT_EQ(last("mediaState"), "download");
-    thread.fetchMedia("wa:msg:m1");
+    actions.fetchMedia("wa:msg:m1");
     EXPECT_EQ(last("mediaStateText"), "Fetching from WhatsApp...");
     EXPECT_EQ(commands("downloadMedia").size(), 1);
     engine().printEvent({ { "type", "media" }, { "providerMsgId", "m1" }, { "state", "failed" } });
@@ -284,13 +285,13 @@ TEST_F(InboxViewTest, aMediumIsFetchedAndAReactionIsKept)
     receive(ben, "later");
     engines.db().run("UPDATE unified_conversation SET contact_id=? WHERE external_id='49172@s.whatsapp.net';", { ana });
     thread.reload();
-    thread.react("wa:msg:true_1:2:3", "👍");
+    actions.react("wa:msg:true_1:2:3", "👍");
     EXPECT_EQ(engines.db().scalar("SELECT reaction FROM unified_message WHERE provider_msg_id='true_1:2:3';"), "👍");
     EXPECT_EQ(commands("react"),
         QStringList(
             R"({"chatId":"49171@s.whatsapp.net","cmd":"react","emoji":"👍","fromMe":false,"messageId":"true_1:2:3"})"));
     engines.stop(account);
-    thread.react("wa:msg:m1", "🎉");
+    actions.react("wa:msg:m1", "🎉");
     EXPECT_EQ(engines.db().scalar("SELECT reaction FROM unified_message WHERE provider_msg_id='m1';"), std::nullopt)
         << "what no engine took is not shown";
 }

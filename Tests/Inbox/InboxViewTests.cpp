@@ -275,7 +275,7 @@ TEST_F(InboxViewTest, aLongThreadIsWalkedPageByPageAndOnlyItsNewestMessageReadsI
     };
     inbox.person()->select(ana);
     EXPECT_TRUE(holds(3502, 4501));
-    EXPECT_FALSE(thread.canLoadOlder()) << "the database has more";
+    EXPECT_FALSE(thread.history()->canLoadOlder()) << "the database has more";
     thread.extendOlder();
     thread.extendOlder();
     EXPECT_TRUE(holds(1502, 4501));
@@ -289,7 +289,7 @@ TEST_F(InboxViewTest, aLongThreadIsWalkedPageByPageAndOnlyItsNewestMessageReadsI
 
     thread.extendOlder();
     EXPECT_TRUE(holds(1, 3000));
-    EXPECT_TRUE(thread.canLoadOlder());
+    EXPECT_TRUE(thread.history()->canLoadOlder());
     thread.extendNewer();
     thread.extendNewer();
     EXPECT_EQ(shown().last(), "while somebody reads far above");

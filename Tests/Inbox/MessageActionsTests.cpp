@@ -263,5 +263,5 @@ TEST_F(MessageActionsTest, aLongMessageIsShownInSteps)
     receive(ben, "meanwhile");
     inbox.person()->thread()->showMore("wa:msg:m3");
     EXPECT_EQ(shown(), book.size());
-    EXPECT_EQ(inbox.person()->thread()->readableText("wa:msg:m3").size(), book.size() - 1);
+    EXPECT_EQ(inbox.person()->messageActions()->readableText("wa:msg:m3").size(), book.size() - 1);
 }

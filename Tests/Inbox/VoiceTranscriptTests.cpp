@@ -38,7 +38,7 @@ TEST_F(VoiceTranscriptTest, aVoiceNoteBecomesTextThatIsStoredShownSearchedAndRea
     EXPECT_EQ(
         cell("SELECT model FROM audio_transcript WHERE message_id='" + id + "';"), "pocketsphinx:en-us@5prealpha");
     EXPECT_FALSE(readSegments(note).isEmpty());
-    EXPECT_TRUE(inbox.person()->thread()->readableText(id).contains("young man"));
+    EXPECT_TRUE(inbox.person()->messageActions()->readableText(id).contains("young man"));
     type("young man");
     EXPECT_TRUE(column(inbox.list()->results()->messages(), "snippet").value(0).contains("<b>young man</b>"));
 

@@ -43,7 +43,7 @@ InboxView::InboxView(const Surroundings& at, Reply& reply, QObject* parent)
     m_person.addPane([this](const ContactRow& contact) { m_reply.open(contact); });
     Composer& composer = *m_reply.composer();
     ThreadView& thread = *m_person.thread();
-    connect(&thread, &ThreadView::refused, &composer, &Composer::setSendError);
+    connect(thread.history(), &ThreadHistory::refused, &composer, &Composer::setSendError);
     connect(&composer, &Composer::sent, thread.reading(), &ThreadReading::touch);
     m_composerAsked
         = m_notifications.observe(notifications::focusComposer, [&composer](const auto&) { composer.requestFocus(); });

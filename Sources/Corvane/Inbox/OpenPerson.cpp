@@ -24,7 +24,7 @@ OpenPerson::OpenPerson(const Surroundings& at, ContactListView& list, UndoOffer&
     , m_list(list)
     , m_thread(m_engine, m_accounts, m_scheduler)
     , m_crm(m_engine.db(), m_scheduler)
-    , m_messageActions({ m_engine, at.desktop, m_scheduler, m_thread, undo,
+    , m_messageActions({ m_engine, m_accounts, at.desktop, m_scheduler, m_thread, undo,
           [this] {
               return m_list.people();
           } }) // a search does not limit the recipients

@@ -1,5 +1,6 @@
 #include "Inbox/Thread/MessageActions.h"
 
+#include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
 #include "Inbox/List/ContactItem.h"
@@ -71,6 +72,27 @@ QList<MessageOffer> MessageActions::actionsFor(const QString& messageId) const
     return actions;
 }
 
+void MessageActions::react(const QString& messageId, const QString& emoji)
+{
+    const UnifiedMsgRow* row = m_surroundings.thread.message(messageId);
+    if (!row)
+        return;
+    EngineManager& engine = m_surroundings.engine;
+    const auto account = m_surroundings.accounts.findBySlug(row->accountId);
+    if (!account || row->providerMsgId.isEmpty())
+        return;
+    if (!engine.react(*account, row->externalId, row->providerMsgId, row->direction == u"OUT", emoji))
+        return;
+    setReaction(engine.db(), messageId, emoji);
+    m_surroundings.thread.reload();
+}
+
+QString MessageActions::readableText(const QString& messageId) const
+{
+    const UnifiedMsgRow* row = m_surroundings.thread.message(messageId);
+    return row ? UnifiedBubble::readableText(*row) : QString();
+}
+
 void MessageActions::deleteLocal(const QString& messageId)
 {
     if (!m_surroundings.thread.message(messageId))
@@ -122,6 +144,12 @@ bool MessageActions::forwardAsDraft(const QString& messageBody, const QString& c
         return false;
     m_surroundings.engine.db().watch().tell(StoreSubject::Drafts);
     return true;
+}
+
+void MessageActions::fetchMedia(const QString& messageId)
+{
+    if (const UnifiedMsgRow* row = m_surroundings.thread.message(messageId))
+        m_surroundings.engine.retryMediaDownload(*row);
 }
 
 void MessageActions::openMedia(const QString& messageId)

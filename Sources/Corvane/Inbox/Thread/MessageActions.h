@@ -9,6 +9,7 @@
 
 namespace corvane {
 
+class AccountStore;
 class Desktop;
 class EngineManager;
 class ThreadView;
@@ -41,6 +42,7 @@ public:
     /// Everything outlives the object.
     struct Surroundings {
         EngineManager& engine;
+        AccountStore& accounts;
         Desktop& desktop;
         Scheduler& scheduler;
         ThreadView& thread;
@@ -57,9 +59,12 @@ public:
     /// The actions that the message supports.
     Q_INVOKABLE QList<corvane::MessageOffer> actionsFor(const QString& messageId) const;
 
+    Q_INVOKABLE void react(const QString& messageId, const QString& emoji);
+    Q_INVOKABLE QString readableText(const QString& messageId) const; ///< for copying
     Q_INVOKABLE void deleteLocal(const QString& messageId); ///< can be undone
     Q_INVOKABLE QList<corvane::ContactChoice> forwardTargets() const;
     Q_INVOKABLE void forward(const QString& messageId, const QString& contactId);
+    Q_INVOKABLE void fetchMedia(const QString& messageId); ///< downloads or retries
     Q_INVOKABLE void openMedia(const QString& messageId);
     Q_INVOKABLE void callOnWhatsApp();
 

@@ -1,10 +1,8 @@
 #include "Inbox/Thread/ThreadView.h"
 
-#include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
 #include "Foundation/Text.h"
-#include "Inbox/Thread/UnifiedBubble.h"
 #include "Presentation/DateWords.h"
 #include "Presentation/MailText.h"
 
@@ -14,12 +12,9 @@ namespace corvane {
 
 namespace {
 
-constexpr int olderCount = 50;
 constexpr qsizetype longerBy = 8;
 constexpr qsizetype screenful = 16; ///< rows, about
-constexpr Milliseconds loadingMoreTime { 4000 };
 constexpr Milliseconds highlightTime { 2500 };
-const QString whatsApp = u"WHATSAPP"_s;
 
 /// A message's attachment has the message's id, a slash and a number; only the message counts as unread.
 bool isAttachment(const UnifiedMsgRow& row)
@@ -45,11 +40,12 @@ bool isInQuote(const QString& body, const QString& words)
 ThreadView::ThreadView(EngineManager& engine, AccountStore& accounts, Scheduler& scheduler, QObject* parent)
     : QObject(parent)
     , m_engine(engine)
-    , m_accounts(accounts)
     , m_scheduler(scheduler)
     , m_window(engine.db())
     , m_reading(scheduler)
+    , m_history(engine, accounts, scheduler, m_window)
 {
+    connect(this, &ThreadView::changed, &m_history, &ThreadHistory::changed);
     connect(&engine, &EngineManager::mediaDownloadStatusChanged, this, [this](const QString& messageId) {
         if (message(messageId))
             present();
@@ -59,16 +55,6 @@ ThreadView::ThreadView(EngineManager& engine, AccountStore& accounts, Scheduler&
 QString ThreadView::emptyText() const
 {
     return u"No messages yet — this conversation will fill when local messages sync."_s;
-}
-
-QString ThreadView::loadOlderText() const
-{
-    return loadingMore() ? u"Loading older messages…"_s : u"Load older messages"_s;
-}
-
-bool ThreadView::canLoadOlder() const
-{
-    return m_contact.platforms.contains(whatsApp) && !m_window.hasOlder();
 }
 
 void ThreadView::open(const ContactRow& contact, int unread)
@@ -86,14 +72,13 @@ void ThreadView::open(const ContactRow& contact, int unread)
         m_unfolded.clear();
         m_highlightId.clear();
         m_highlightEnd.reset();
-        m_loadingMore.reset();
         setError({});
         if (contact.id.isEmpty())
             m_reading.end();
         else
             m_reading.begin();
-        Q_EMIT loadingMoreChanged();
     }
+    m_history.open(contact);
     reload();
     if (!sameFacts)
         Q_EMIT contactChanged();
@@ -199,45 +184,6 @@ void ThreadView::highlight(const QString& messageId)
     present();
 }
 
-void ThreadView::loadMore()
-{
-    if (loadingMore() || !canLoadOlder())
-        return;
-    m_loadingMore = m_scheduler.after(loadingMoreTime, [this] {
-        m_loadingMore.reset();
-        Q_EMIT loadingMoreChanged();
-    });
-    Q_EMIT loadingMoreChanged();
-    const auto target = replyTarget(m_engine.db(), m_contact.id, whatsApp);
-    if (!target) {
-        Q_EMIT refused(u"No %1 conversation for this contact"_s.arg(channelLabel(whatsApp)));
-        return;
-    }
-    const auto account = m_accounts.findBySlug(target->account);
-    if (!account || !m_engine.loadMoreHistory(*account, target->chatId, olderCount))
-        Q_EMIT refused(u"Account %1 is not connected"_s.arg(target->account));
-}
-
-void ThreadView::fetchMedia(const QString& messageId)
-{
-    if (const UnifiedMsgRow* row = message(messageId))
-        m_engine.retryMediaDownload(*row);
-}
-
-void ThreadView::react(const QString& messageId, const QString& emoji)
-{
-    const UnifiedMsgRow* row = message(messageId);
-    if (!row)
-        return;
-    const auto account = m_accounts.findBySlug(row->accountId);
-    if (!account || row->providerMsgId.isEmpty())
-        return;
-    if (!m_engine.react(*account, row->externalId, row->providerMsgId, row->direction == u"OUT", emoji))
-        return;
-    setReaction(m_engine.db(), messageId, emoji);
-    reload();
-}
-
 void ThreadView::showMore(const QString& messageId)
 {
     if (!message(messageId))
@@ -252,12 +198,6 @@ void ThreadView::toggleQuote(const QString& messageId)
     if (!m_unfolded.remove(messageId))
         m_unfolded.insert(messageId);
     present();
-}
-
-QString ThreadView::readableText(const QString& messageId) const
-{
-    const UnifiedMsgRow* row = message(messageId);
-    return row ? UnifiedBubble::readableText(*row) : QString();
 }
 
 int ThreadView::rowOf(const QString& messageId) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Foundation/Scheduler.h"
+#include "Inbox/Thread/ThreadHistory.h"
 #include "Inbox/Thread/ThreadReading.h"
 #include "Inbox/Thread/ThreadRow.h"
 #include "Inbox/Thread/ThreadWindow.h"
@@ -10,9 +11,6 @@
 #include <QDate>
 
 namespace corvane {
-
-class AccountStore;
-class EngineManager;
 
 /// The open thread: all messages with one person, on all channels, newest at the end. It opens with the newest page;
 /// others are loaded from the database while scrolling.
@@ -24,10 +22,8 @@ class ThreadView : public QObject {
     Q_PROPERTY(QString emptyText READ emptyText CONSTANT)
     Q_PROPERTY(bool hasNewer READ hasNewer NOTIFY changed) ///< after the last row
     Q_PROPERTY(corvane::ThreadReading* reading READ reading CONSTANT)
-    Q_PROPERTY(bool canLoadOlder READ canLoadOlder NOTIFY changed)
-    Q_PROPERTY(bool loadingMore READ loadingMore NOTIFY loadingMoreChanged)
-    Q_PROPERTY(QString loadOlderText READ loadOlderText NOTIFY loadingMoreChanged)
-    Q_PROPERTY(QString errorText READ errorText NOTIFY errorTextChanged)
+    Q_PROPERTY(corvane::ThreadHistory* history READ history CONSTANT)
+    Q_PROPERTY(QString errorText READ errorText WRITE setError NOTIFY errorTextChanged)
 public:
     ThreadView(EngineManager& engine, AccountStore& accounts, Scheduler& scheduler, QObject* parent = nullptr);
 
@@ -38,9 +34,7 @@ public:
     const QString& highlightId() const { return m_highlightId; }
     bool hasNewer() const { return m_window.hasNewer(); }
     ThreadReading* reading() { return &m_reading; }
-    bool canLoadOlder() const; ///< from WhatsApp, if everything in the database is shown
-    bool loadingMore() const { return m_loadingMore != nullptr; }
-    QString loadOlderText() const;
+    ThreadHistory* history() { return &m_history; }
     const QString& errorText() const { return m_errorText; }
 
     /// A row without an id closes the thread. `unread` messages are marked as new; the mark stays until another thread
@@ -63,22 +57,15 @@ public:
     Q_INVOKABLE void showOldest(); ///< in the database
     Q_INVOKABLE void extendOlder(); ///< loads another page from the database, if there is one
     Q_INVOKABLE void extendNewer();
-    Q_INVOKABLE void loadMore(); ///< requests earlier messages from WhatsApp
-    Q_INVOKABLE void fetchMedia(const QString& messageId); ///< downloads or retries
-    Q_INVOKABLE void react(const QString& messageId, const QString& emoji);
     Q_INVOKABLE void showMore(const QString& messageId); ///< expands a long body
     Q_INVOKABLE void toggleQuote(const QString& messageId); ///< expands or folds the quoted tail of a mail
-    Q_INVOKABLE QString readableText(const QString& messageId) const; ///< for copying and reading aloud
     Q_INVOKABLE int rowOf(const QString& messageId) const; ///< -1 if the thread does not show it
-    Q_INVOKABLE void dismissError() { setError({}); }
 
 Q_SIGNALS:
     void contactChanged();
     void changed(); ///< after each reload
     void opened(); ///< the newest rows of another person are ready; older ones follow at once
-    void loadingMoreChanged();
     void errorTextChanged();
-    void refused(const QString& error); ///< by the channel: no older messages were requested
     void announced(const QString& text); ///< a new message, for the screen reader
 
 private:
@@ -90,12 +77,12 @@ private:
     void markFirstUnread();
 
     EngineManager& m_engine;
-    AccountStore& m_accounts;
     Scheduler& m_scheduler;
     ContactRow m_contact;
     bool m_loaded = false; ///< whether m_messages belongs to this contact
     ThreadWindow m_window;
     ThreadReading m_reading;
+    ThreadHistory m_history;
     RowListModel<ThreadRow> m_rows;
     int m_unread = 0;
     ThreadPlace m_openedAt; ///< the newest message when it was opened
@@ -105,7 +92,6 @@ private:
     QSet<QString> m_unfolded; ///< messages whose quoted tail is expanded
     QString m_highlightId;
     std::unique_ptr<Timer> m_highlightEnd;
-    std::unique_ptr<Timer> m_loadingMore;
     QString m_errorText;
     TranscriptionState m_transcription;
 };

@@ -4,6 +4,7 @@
 #include "Foundation/Literals.h"
 #include "Inbox/Thread/MediaFile.h"
 #include "Inbox/Thread/ThreadView.h"
+#include "Inbox/Thread/UnifiedBubble.h"
 #include "Store/Messages/AudioTranscripts.h"
 #include "Voice/SpeechLanguages.h"
 #include "Voice/VoiceServices.h"
@@ -116,8 +117,8 @@ void VoiceTranscripts::speak(const QString& messageId)
 {
     if (speakingId() == messageId)
         m_voice.reader.stop();
-    else
-        m_voice.reader.speak(messageId, m_thread.readableText(messageId), modelLanguage(dictationLocale(m_defaults)));
+    else if (const UnifiedMsgRow* row = m_thread.message(messageId))
+        m_voice.reader.speak(messageId, UnifiedBubble::readableText(*row), modelLanguage(dictationLocale(m_defaults)));
 }
 
 void VoiceTranscripts::set(const QString& messageId, Kind kind, const QString& text)

@@ -85,6 +85,13 @@ struct ThreadReadingType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct ThreadHistoryType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ThreadHistory)
+    QML_NAMED_ELEMENT(ThreadHistory)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct MessageActionsType {
     Q_GADGET
     QML_FOREIGN(corvane::MessageActions)

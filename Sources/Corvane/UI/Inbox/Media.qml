@@ -96,7 +96,7 @@ Item {
                 if (media.here)
                     media.person.messageActions.openMedia(media.message.id);
                 else
-                    media.person.thread.fetchMedia(media.message.id);
+                    media.person.messageActions.fetchMedia(media.message.id);
             }
         }
     }

@@ -10,7 +10,6 @@ Menu {
     required property string messageId
     required property OpenPerson person
 
-    readonly property ThreadView thread: person.thread
     readonly property MessageActions actions: person.messageActions
     property list<messageOffer> offers
     property messageOffer none ///< for an action that the message does not have
@@ -37,7 +36,7 @@ Menu {
         objectName: "message.moods"
         Keys.onLeftPressed: chosen = Math.max(0, chosen - 1)
         Keys.onRightPressed: chosen = Math.min(all.length - 1, chosen + 1)
-        onTriggered: menu.thread.react(menu.messageId, all[chosen])
+        onTriggered: menu.actions.react(menu.messageId, all[chosen])
         enabled: menu.offer("react").enabled
         opacity: enabled ? 1 : 0.4
         implicitHeight: 40
@@ -70,7 +69,7 @@ Menu {
                         color: mood.hovered || (moods.activeFocus && moods.chosen === mood.index) ? Theme.raised : Theme.none
                     }
                     onClicked: {
-                        menu.thread.react(menu.messageId, modelData);
+                        menu.actions.react(menu.messageId, modelData);
                         menu.close();
                     }
                 }
@@ -88,7 +87,7 @@ Menu {
         icon.name: "edit-copy"
         key: "Ctrl+C"
         offer: menu.offer("copy")
-        onTriggered: WindowTools.copy(menu.thread.readableText(menu.messageId))
+        onTriggered: WindowTools.copy(menu.actions.readableText(menu.messageId))
     }
     ForwardMenu {
         id: forwarding
@@ -115,7 +114,7 @@ Menu {
     MessageAction {
         icon.name: "download"
         offer: menu.offer("fetch")
-        onTriggered: menu.thread.fetchMedia(menu.messageId)
+        onTriggered: menu.actions.fetchMedia(menu.messageId)
     }
     MessageAction {
         icon.name: "edit-delete"

@@ -204,7 +204,7 @@ ListView {
     Keys.onPressed: event => {
         thread.reading.touch();
         if (event.matches(StandardKey.Copy) && current) {
-            WindowTools.copy(thread.readableText(current.message.id));
+            WindowTools.copy(person.messageActions.readableText(current.message.id));
             event.accepted = true;
         } else if (event.key === Qt.Key_Menu) {
             current?.openMenu();
@@ -239,11 +239,11 @@ ListView {
             objectName: "thread.loadOlder"
             anchors.horizontalCenter: parent.horizontalCenter
             y: Theme.small
-            visible: list.thread.canLoadOlder
+            visible: list.thread.history.canLoadOlder
             implicitHeight: 28
             kind: "quiet"
-            text: list.thread.loadOlderText
-            enabled: !list.thread.loadingMore
+            text: list.thread.history.loadOlderText
+            enabled: !list.thread.history.loadingMore
             Component.onCompleted: list.headerButton = older
             activeFocusOnTab: false // Up reaches it from the first message
             Keys.onDownPressed: {
@@ -254,7 +254,7 @@ ListView {
                 list.atNewest = false;
                 list.positionViewAtBeginning();
             }
-            onClicked: list.thread.loadMore()
+            onClicked: list.thread.history.loadMore()
         }
     }
     footer: Item { width: 1; height: Theme.large }

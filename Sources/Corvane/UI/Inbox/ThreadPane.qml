@@ -43,7 +43,7 @@ FocusScope {
         tone: pane.thread.errorText ? "bad" : "plain"
         text: pane.thread.errorText || pane.inbox.person.messageActions.noticeText
         dismissable: pane.thread.errorText !== ""
-        onDismissed: pane.thread.dismissError()
+        onDismissed: pane.thread.errorText = ""
     }
     ThreadList {
         id: rows
