@@ -45,7 +45,7 @@ TEST_F(WorkWindow, aPersonFilesAnInvoiceCheckDecidesAndReadsTheStory)
     click(u"work.newContext"_s);
     fill(u"create.title"_s, u"November invoices"_s);
     click(u"create.submit"_s);
-    ASSERT_EQ(screens.ops.shell()->title(), "November invoices");
+    ASSERT_EQ(screens.ops.shell()->header()->title(), "November invoices");
     click(u"work.newItem"_s);
     click(u"create.submit"_s);
     EXPECT_EQ(item(u"create.message"_s)->property("text"), "Title is required.");

@@ -31,7 +31,7 @@ TEST_F(WorkShell, whatAnotherProgramWritesAppearsWithinFourSecondsAndAnIdleShell
     m_db->watch().start();
     shell.setShown(true);
     EXPECT_EQ(rail.contextsEmpty(), "No processes yet");
-    EXPECT_EQ(shell.quickActions().size(), 0);
+    EXPECT_EQ(shell.header()->quickActions().size(), 0);
     EXPECT_EQ(shell.board()->emptyTitle(), "No active ops work");
     const QSignalSpy refreshed(&shell, &WorkModuleShell::refreshed);
     m_clock.advance(Milliseconds(9000));
@@ -72,7 +72,7 @@ TEST_F(WorkShell, aContextKeepsItsTabsLegalAndItsSelectionAlive)
     shell.setTab(u"evidence"_s);
     m_db->run("UPDATE work_context SET title='Kiln repair' WHERE id=?;", { kiln.id });
     shell.refresh();
-    EXPECT_EQ(shell.title() + ' ' + shell.tab(), "Kiln repair evidence");
+    EXPECT_EQ(shell.header()->title() + ' ' + shell.tab(), "Kiln repair evidence");
     shell.setTab(u"processes"_s);
     m_db->run("UPDATE work_context SET title='Hiring' WHERE id=?;", { kiln.id });
     shell.refresh();
@@ -83,7 +83,7 @@ TEST_F(WorkShell, aContextKeepsItsTabsLegalAndItsSelectionAlive)
     shell.create()->begin(u"context"_s);
     shell.create()->field(u"title"_s).type(u"Studio rent"_s);
     shell.create()->submit();
-    EXPECT_EQ(shell.title(), "Studio rent") << "a new context is opened";
+    EXPECT_EQ(shell.header()->title(), "Studio rent") << "a new context is opened";
 }
 
 TEST_F(WorkShell, itemsAreMovedByHandWithAWayBack)

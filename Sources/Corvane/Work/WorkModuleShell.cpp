@@ -62,6 +62,7 @@ WorkModuleShell::WorkModuleShell(
     , m_refresh(
           services.db, services.scheduler, [this] { read(); }, [this] { age(); }, this)
     , m_rail(services.db, config, places, this)
+    , m_header(services.db, config, this)
     , m_history(services.db, config.module, this)
     , m_board(services.db, services.scheduler, this)
     , m_item(services.db, this)
@@ -76,6 +77,7 @@ WorkModuleShell::WorkModuleShell(
     connect(&m_rail, &WorkRail::selected, this, &WorkModuleShell::showSelected);
     // The window changes the view only when its rows have been read.
     connect(this, &WorkModuleShell::changed, &m_rail, &WorkRail::changed);
+    connect(this, &WorkModuleShell::changed, &m_header, &WorkHeader::changed);
     // What this screen wrote itself is shown at once.
     const auto readAgain = [this] {
         refresh();
@@ -142,7 +144,7 @@ void WorkModuleShell::readSurface()
 {
     const WorkContextId id = m_context ? WorkContextId(m_context->id) : WorkContextId();
     const DateWords words(m_at.db.nowMs());
-    m_counts = countWork(m_at.db, m_config.module, id);
+    m_header.read(m_context);
     m_item.reload();
     const QString surface = this->surface();
     const QString& place = m_rail.place();
@@ -178,23 +180,13 @@ void WorkModuleShell::show(const QString& contextId, const QString& itemId, cons
         m_item.open(itemId);
 }
 
-QString WorkModuleShell::title() const
-{
-    return m_context ? shownLine(m_context->title) : m_config.selectedTitle;
-}
-
-QString WorkModuleShell::subtitle() const
-{
-    return m_context ? shownLine(m_context->subtitle) : m_config.selectedSubtitle;
-}
-
 QList<TabItem> WorkModuleShell::tabs() const
 {
     QList<TabItem> items;
     for (const Tab tab : visibleTabs(m_config, m_context)) {
         TabItem item { tabId(tab), tabLabel(tab) };
         if (tab == Tab::Approvals)
-            item.count = m_counts.waitingDecisions + m_counts.proposedMemory;
+            item.count = m_header.counts().waitingDecisions + m_header.counts().proposedMemory;
         items.append(item);
     }
     return items;
@@ -227,7 +219,7 @@ bool WorkModuleShell::queueDraft(const QString& text)
         return false;
     WorkDraft draft = emptyDraft(WorkCreateFlow::Item);
     draft.kind = u"reply"_s;
-    draft.title = u"Reply for %1"_s.arg(title());
+    draft.title = u"Reply for %1"_s.arg(m_header.title());
     draft.summary = text;
     const auto saved = saveItem(m_at.db, { .module = m_config.module, .context = m_context }, draft);
     m_notice

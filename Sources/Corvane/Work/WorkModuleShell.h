@@ -6,6 +6,7 @@
 #include "Work/WorkBoard.h"
 #include "Work/WorkCreate.h"
 #include "Work/WorkDecisions.h"
+#include "Work/WorkHeader.h"
 #include "Work/WorkHistory.h"
 #include "Work/WorkItemSheet.h"
 #include "Work/WorkRail.h"
@@ -19,16 +20,12 @@ class WorkModuleShell : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool shown READ shown WRITE setShown NOTIFY changed) ///< it is on the screen
     Q_PROPERTY(corvane::WorkRail* rail READ rail CONSTANT)
-    Q_PROPERTY(QString title READ title NOTIFY changed)
-    Q_PROPERTY(QString subtitle READ subtitle NOTIFY changed)
+    Q_PROPERTY(corvane::WorkHeader* header READ header CONSTANT)
     Q_PROPERTY(QString inspectorTitle READ inspectorTitle CONSTANT)
     Q_PROPERTY(QList<corvane::TabItem> tabs READ tabs NOTIFY changed)
     Q_PROPERTY(QString tab READ tab WRITE setTab NOTIFY changed)
     Q_PROPERTY(
         QString surface READ surface NOTIFY changed) ///< board, inbox, chat, agents, approvals, evidence, timeline
-    Q_PROPERTY(QList<corvane::WorkAction> topActions READ topActions NOTIFY changed)
-    Q_PROPERTY(QList<corvane::WorkAction> quickActions READ quickActions NOTIFY changed)
-    Q_PROPERTY(QList<corvane::WorkMetricSeed> metrics READ metrics NOTIFY changed)
     Q_PROPERTY(QString notice READ notice NOTIFY changed)
     Q_PROPERTY(corvane::WorkHistory* history READ history CONSTANT)
     Q_PROPERTY(corvane::GadgetListModel* tasks READ tasks CONSTANT) ///< open items other than tickets
@@ -44,25 +41,18 @@ public:
     WorkModuleShell(
         const WorkServices& services, const WorkConsoleConfig& config, const QList<TabItem>& places, QObject* parent);
 
-    const WorkServices& services() const { return m_at; }
-    const WorkConsoleConfig& config() const { return m_config; }
-    const WorkContext& context() const { return m_context; }
     void show(const QString& contextId, const QString& itemId = {}, const QString& tab = {}); ///< from elsewhere
     void setStale() { m_refresh.setStale(); } ///< read again at the next tick
 
     bool shown() const { return m_refresh.shown(); }
     void setShown(bool shown) { m_refresh.setShown(shown); }
     WorkRail* rail() { return &m_rail; }
-    QString title() const;
-    QString subtitle() const;
+    WorkHeader* header() { return &m_header; }
     QString inspectorTitle() const { return m_config.inspectorTitle; }
     QList<TabItem> tabs() const;
     QString tab() const { return tabId(m_tab); }
     void setTab(const QString& tab);
     QString surface() const;
-    QList<WorkAction> topActions() const { return contextualTopActions(m_config, m_context); }
-    QList<WorkAction> quickActions() const { return contextualQuickActions(m_config, m_context); }
-    QList<WorkMetricSeed> metrics() const { return dashboardMetrics(m_config, m_counts); }
     QString notice() const;
     WorkHistory* history() { return &m_history; }
     GadgetListModel* tasks() { return &m_tasks; }
@@ -97,10 +87,10 @@ private:
     const WorkConsoleConfig m_config;
     WorkContext m_context;
     WorkConsoleTab m_tab;
-    WorkCounts m_counts;
     QString m_notice;
     ScreenRefresh m_refresh;
     WorkRail m_rail;
+    WorkHeader m_header;
     WorkHistory m_history;
     RowListModel<WorkItemSeed> m_tasks;
     WorkBoard m_board;

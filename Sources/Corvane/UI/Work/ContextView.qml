@@ -25,7 +25,7 @@ FocusScope {
                 spacing: 2
                 Label {
                     width: parent.width
-                    text: view.shell.title
+                    text: view.shell.header.title
                     font.pixelSize: Theme.screen
                     font.weight: Theme.strong
                     Accessible.role: Accessible.Heading
@@ -33,7 +33,7 @@ FocusScope {
                 Label {
                     width: parent.width
                     visible: text !== ""
-                    text: view.shell.subtitle
+                    text: view.shell.header.subtitle
                     color: Theme.soft
                 }
             }
@@ -44,7 +44,7 @@ FocusScope {
                 BeginMenu {
                     objectName: "work.actions"
                     shell: view.shell
-                    actions: view.shell.quickActions
+                    actions: view.shell.header.quickActions
                     exportable: true
                 }
                 Button {
@@ -58,7 +58,7 @@ FocusScope {
         }
         MetricLine {
             width: parent.width
-            metrics: view.shell.metrics
+            metrics: view.shell.header.metrics
         }
         Banner {
             width: parent.width

@@ -77,11 +77,11 @@ FocusScope {
                 agents: view.shell.agents
             }
             Repeater {
-                model: view.tab === "tasks" ? view.shell.quickActions.length : 0
+                model: view.tab === "tasks" ? view.shell.header.quickActions.length : 0
                 T.AbstractButton {
                     id: quick
                     required property int index
-                    readonly property workAction entry: view.shell.quickActions[index] ?? view.noAction
+                    readonly property workAction entry: view.shell.header.quickActions[index] ?? view.noAction
                     objectName: "quick:" + entry.title
                     width: column.width
                     implicitHeight: 48
@@ -123,7 +123,7 @@ FocusScope {
             }
             Label {
                 width: parent.width
-                visible: view.tab === "tasks" && view.shell.quickActions.length === 0
+                visible: view.tab === "tasks" && view.shell.header.quickActions.length === 0
                 wrapMode: Text.Wrap
                 text: qsTr("No quick actions yet. They appear when a context is selected.")
                 color: Theme.faint

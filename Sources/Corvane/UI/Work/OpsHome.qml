@@ -23,7 +23,7 @@ FocusScope {
             BeginMenu {
                 objectName: "ops.actions"
                 shell: view.hub.shell
-                actions: view.hub.shell.topActions
+                actions: view.hub.shell.header.topActions
             }
             Button {
                 objectName: "work.newItem"
@@ -35,7 +35,7 @@ FocusScope {
         }
         MetricLine {
             width: parent.width
-            metrics: view.hub.shell.metrics
+            metrics: view.hub.shell.header.metrics
         }
     }
     Rectangle {

@@ -22,7 +22,7 @@ FocusScope {
             title: qsTr("Pipeline")
             BeginMenu {
                 shell: view.hub.shell
-                actions: view.hub.shell.topActions
+                actions: view.hub.shell.header.topActions
             }
             Button {
                 objectName: "work.newItem"

@@ -20,7 +20,7 @@ FocusScope {
         detail: view.hub.queueText
         BeginMenu {
             shell: view.hub.shell
-            actions: view.hub.shell.topActions
+            actions: view.hub.shell.header.topActions
         }
     }
     ListView {

@@ -62,7 +62,7 @@ Page {
         anchors.top: parent.top
         anchors.bottom: strip.top
         Accessible.role: Accessible.Pane
-        Accessible.name: page.inContext ? page.shell.title : ""
+        Accessible.name: page.inContext ? page.shell.header.title : ""
 
         Banner {
             id: notice

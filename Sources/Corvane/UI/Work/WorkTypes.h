@@ -53,6 +53,13 @@ struct WorkRailType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct WorkHeaderType {
+    Q_GADGET
+    QML_FOREIGN(corvane::WorkHeader)
+    QML_NAMED_ELEMENT(WorkHeader)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct WorkHistoryType {
     Q_GADGET
     QML_FOREIGN(corvane::WorkHistory)
