@@ -43,6 +43,10 @@ protected:
     RecordingView recordingView { *recorder };
     CallsView calls { recordingView, player };
     CallPage& page = *calls.page();
+    CallTranscriptView& transcript = *page.transcript();
+    CallSoundView& sound = *page.sound();
+    CallProcessing& processing = *page.processing();
+    CallProposalsView& proposals = *page.proposals();
 };
 
 }
@@ -52,22 +56,22 @@ TEST_F(CallsViewTest, aCallShowsWhoSaidWhatAndPlaysFromThere)
     const QString id = record("Weekly");
     calls.select(id);
     EXPECT_EQ(column(*calls.rows(), "detail"), QStringList("0:10 · Ready"));
-    EXPECT_EQ(column(*page.turns(), "speaker"), QStringList({ "Meeting audio", "Me", "Meeting audio" }));
-    EXPECT_EQ(column(*page.turns(), "time"), QStringList({ "0:01", "0:05", "0:09" }));
+    EXPECT_EQ(column(*transcript.turns(), "speaker"), QStringList({ "Meeting audio", "Me", "Meeting audio" }));
+    EXPECT_EQ(column(*transcript.turns(), "time"), QStringList({ "0:01", "0:05", "0:09" }));
     const QList<CallSummarySection> sections { { "Summary", "Ship." }, { "Decisions", "- Friday" },
         { "Follow-up", "Send the offer." } };
     EXPECT_EQ(page.summary(), sections);
-    EXPECT_EQ(page.currentTurn(), -1);
+    EXPECT_EQ(transcript.currentTurn(), -1);
 
     calls.setQuery("OFFER");
-    EXPECT_EQ(page.firstHit(), 1);
+    EXPECT_EQ(transcript.firstHit(), 1);
     EXPECT_EQ(player.positionText(), "0:05") << "a search leads to its second";
     player.toggle();
     EXPECT_EQ(microphonePlayer.position, 5000);
     EXPECT_EQ(systemPlayer.position, 5000);
-    EXPECT_EQ(page.currentTurn(), 1);
+    EXPECT_EQ(transcript.currentTurn(), 1);
     microphonePlayer.moveTo(9100);
-    EXPECT_EQ(page.currentTurn(), 2);
+    EXPECT_EQ(transcript.currentTurn(), 2);
     player.setMicrophoneOn(false);
     EXPECT_EQ(microphonePlayer.current, AudioPlayer::State::Idle);
     EXPECT_EQ(player.state(), "playing");
@@ -85,15 +89,15 @@ TEST_F(CallsViewTest, whatACallProposesIsAppliedOnItsPage)
 {
     const QString id = record("Weekly");
     calls.select(id);
-    ASSERT_EQ(page.proposals().size(), 2);
+    ASSERT_EQ(proposals.rows().size(), 2);
     EXPECT_EQ(page.personName(), "") << "a person links it";
     page.people()->begin(id);
     page.people()->choose("ct:1");
     EXPECT_EQ(page.personName(), "Ana Ruiz");
-    page.applyProposal("proposal:" + id + ":note");
+    proposals.applyProposal("proposal:" + id + ":note");
     EXPECT_TRUE(cell("SELECT body FROM contact_note;").startsWith("Call note: Weekly"));
-    page.rejectProposal("proposal:" + id + ":task");
-    EXPECT_EQ(page.proposals().value(0).state + page.proposals().value(1).state, "AppliedRejected");
+    proposals.rejectProposal("proposal:" + id + ":task");
+    EXPECT_EQ(proposals.rows().value(0).state + proposals.rows().value(1).state, "AppliedRejected");
     EXPECT_TRUE(recorded->pendingProposals().isEmpty());
     page.rename("  Renamed ");
     m_clock.advance(Milliseconds(200));
@@ -126,27 +130,27 @@ TEST_F(CallsViewTest, whatACrashLeftIsMadeWholeAndTranscribed)
     m_db->run("UPDATE call_recording SET processing_status='recording', ended_at=NULL, duration_ms=NULL;", {});
     calls.select(id);
     EXPECT_EQ(page.stateText(), "Interrupted");
-    EXPECT_EQ(page.processLabel(), "Recover");
-    page.process();
+    EXPECT_EQ(processing.label(), "Recover");
+    processing.start();
     EXPECT_EQ(audio.repaired.size(), 2);
     EXPECT_EQ(page.stateText(), "Transcribed, no summary");
     EXPECT_GE(cell("SELECT ended_at - started_at FROM call_recording;").toLongLong(), 0);
-    EXPECT_EQ(page.processLabel(), "Transcribe again");
-    EXPECT_TRUE(page.models().isEmpty()) << "there is nothing to choose";
+    EXPECT_EQ(processing.label(), "Transcribe again");
+    EXPECT_TRUE(processing.models().isEmpty()) << "there is nothing to choose";
     SpeechInstalledModel small;
     small.spec
         = { .repository = "whisper.cpp", .revision = "abc", .variant = "ggml-small.bin", .displayName = "Small" };
     small.localPath = m_home.paths().defaultsFile;
     models.add(small);
-    EXPECT_EQ(page.models().first(), (Choice { "whisper.cpp:ggml-small.bin", "Small" }));
-    EXPECT_EQ(page.model(), page.models().last().id) << "which made this transcript";
+    EXPECT_EQ(processing.models().first(), (Choice { "whisper.cpp:ggml-small.bin", "Small" }));
+    EXPECT_EQ(processing.model(), processing.models().last().id) << "which made this transcript";
     const Arrival<bool> later;
     arrivals.insert("mic", later);
-    page.processWith("whisper.cpp:ggml-small.bin");
+    processing.startWith("whisper.cpp:ggml-small.bin");
     EXPECT_EQ(page.stateText(), "Transcribing");
-    EXPECT_TRUE(page.busy());
+    EXPECT_TRUE(processing.busy());
     later.arrive(true);
-    EXPECT_FALSE(page.busy());
+    EXPECT_FALSE(processing.busy());
     EXPECT_EQ(heard.last(), "mic whisper.cpp:ggml-small.bin");
 }
 
@@ -166,11 +170,11 @@ TEST_F(CallsViewTest, theFirstRecordingAsksAndTheSourceIsChosen)
     microphone.answer(MicrophoneAccess::Granted);
     EXPECT_EQ(audio.recordedBinary, "zoom");
     EXPECT_EQ(calls.selected(), recorder->activeCallId()) << "it is opened";
-    EXPECT_EQ(page.processLabel(), "");
+    EXPECT_EQ(processing.label(), "");
     page.setNotes("bring tea");
     recording.mark();
     EXPECT_EQ(readCallNotes(folder()).text, "bring tea") << "a mark leaves what is noted";
-    EXPECT_EQ(page.markTimes(), QStringList("0:00"));
+    EXPECT_EQ(sound.markTimes(), QStringList("0:00"));
     recording.discard();
     recording.start();
     EXPECT_EQ(asked.size(), 1) << "once";
@@ -184,7 +188,7 @@ TEST_F(CallsViewTest, soundThatIsOldEnoughGoesAndItsTextStays)
     m_clock.advance(std::chrono::hours(24 * 31));
     EXPECT_EQ(deleteOldSound(*recorder), 2);
     calls.select(cell("SELECT id FROM call_recording;"));
-    EXPECT_FALSE(page.hasSound());
-    EXPECT_EQ(page.noSoundText(), "The sound of this call is no longer here.");
-    EXPECT_EQ(page.turns()->rowCount(), 3);
+    EXPECT_FALSE(sound.hasSound());
+    EXPECT_EQ(sound.noSoundText(), "The sound of this call is no longer here.");
+    EXPECT_EQ(transcript.turns()->rowCount(), 3);
 }

@@ -47,7 +47,8 @@ TEST_F(CallsWindow, aPersonRecordsReadsAppliesAndFindsACall)
         return screens.calls.page()->stateText() == u"Ready";
     }));
     click(u"call.apply"_s);
-    EXPECT_NE(screens.calls.page()->proposals().value(1).state + screens.calls.page()->proposals().value(0).error, "");
+    const QList<CallProposalRow> proposals = screens.calls.page()->proposals()->rows();
+    EXPECT_NE(proposals.value(1).state + proposals.value(0).error, "");
     item(u"call.notes.text"_s)->forceActiveFocus();
     type(u"bring tea"_s);
     screens.calls.page()->reload();
@@ -56,8 +57,8 @@ TEST_F(CallsWindow, aPersonRecordsReadsAppliesAndFindsACall)
     click(u"calls.search"_s);
     type(u"offer"_s);
     rest();
-    EXPECT_EQ(screens.calls.page()->firstHit(), 1);
-    screens.calls.page()->playTurn(1);
+    EXPECT_EQ(screens.calls.page()->transcript()->firstHit(), 1);
+    screens.calls.page()->transcript()->playTurn(1);
     EXPECT_EQ(callMicrophone.position, 2000);
     press(Qt::Key_Escape);
     press(Qt::Key_Escape);

@@ -42,7 +42,7 @@ Item {
             color: head.page.tone === "bad" ? Theme.bad : Theme.warn
         }
         Row {
-            visible: head.page.busy
+            visible: head.page.processing.busy
             spacing: Theme.small
             Rectangle {
                 anchors.verticalCenter: parent.verticalCenter
@@ -53,7 +53,7 @@ Item {
                 Accessible.role: Accessible.ProgressBar
                 Accessible.name: head.page.stateText
                 Rectangle {
-                    width: parent.width * head.page.progress
+                    width: parent.width * head.page.processing.progress
                     height: parent.height
                     radius: 2
                     color: Theme.accent
@@ -64,7 +64,7 @@ Item {
                 implicitHeight: 24
                 kind: "quiet"
                 text: qsTr("Cancel")
-                onClicked: head.page.stopWork()
+                onClicked: head.page.processing.stop()
             }
         }
         Label {
@@ -86,25 +86,25 @@ Item {
         Button {
             objectName: "call.process"
             visible: text !== ""
-            text: head.page.processLabel
-            onClicked: head.page.process()
+            text: head.page.processing.label
+            onClicked: head.page.processing.start()
         }
         MenuButton {
             id: models
             objectName: "call.models"
             implicitHeight: Theme.control
-            visible: head.page.models.length > 0
+            visible: head.page.processing.models.length > 0
             icon.name: "audio"
             Accessible.name: qsTr("Transcribe with another model")
             hint: Accessible.name
             Instantiator {
-                model: head.page.models
+                model: head.page.processing.models
                 delegate: MenuItem {
                     required property choice modelData
                     text: modelData.label
                     checkable: true
-                    checked: head.page.model === modelData.id
-                    onTriggered: head.page.processWith(modelData.id)
+                    checked: head.page.processing.model === modelData.id
+                    onTriggered: head.page.processing.startWith(modelData.id)
                 }
                 onObjectAdded: (index, object) => models.list.insertItem(index, object as MenuItem)
                 onObjectRemoved: (index, object) => models.list.removeItem(object as MenuItem)
@@ -129,7 +129,7 @@ Item {
             MenuItem {
                 text: qsTr("Export the sound")
                 icon.name: "audio"
-                enabled: head.page.hasSound
+                enabled: head.page.sound.hasSound
                 onTriggered: head.page.exportSound()
             }
             MenuSeparator {}

@@ -59,12 +59,12 @@ FocusScope {
                 objectName: "call.codex"
                 width: parent.width
                 padding: Theme.medium
-                visible: side.page.asksCodex
+                visible: side.page.processing.asksCodex
                 Label {
                     width: parent.width
                     wrapMode: Text.Wrap
                     lineHeight: 1.3
-                    text: side.page.codexQuestion
+                    text: side.page.processing.codexQuestion
                     color: Theme.soft
                 }
                 Row {
@@ -72,13 +72,13 @@ FocusScope {
                     Button {
                         objectName: "call.allowCodex"
                         text: qsTr("Send it to Codex")
-                        onClicked: side.page.answerCodex(true)
+                        onClicked: side.page.processing.answerCodex(true)
                     }
                     Button {
                         objectName: "call.refuseCodex"
                         kind: "quiet"
                         text: qsTr("Never")
-                        onClicked: side.page.answerCodex(false)
+                        onClicked: side.page.processing.answerCodex(false)
                     }
                 }
             }
@@ -107,10 +107,10 @@ FocusScope {
             Column {
                 width: parent.width
                 spacing: Theme.small
-                visible: side.page.proposals.length > 0
+                visible: side.page.proposals.rows.length > 0
                 SectionHeader { text: qsTr("Proposed for the CRM") }
                 Repeater {
-                    model: side.page.proposals
+                    model: side.page.proposals.rows
                     Card {
                         id: proposal
                         required property callProposal modelData
@@ -148,13 +148,13 @@ FocusScope {
                             Button {
                                 objectName: "call.apply"
                                 text: qsTr("Apply")
-                                onClicked: side.page.applyProposal(proposal.modelData.id)
+                                onClicked: side.page.proposals.applyProposal(proposal.modelData.id)
                             }
                             Button {
                                 objectName: "call.reject"
                                 kind: "quiet"
                                 text: qsTr("Reject")
-                                onClicked: side.page.rejectProposal(proposal.modelData.id)
+                                onClicked: side.page.proposals.rejectProposal(proposal.modelData.id)
                             }
                         }
                     }

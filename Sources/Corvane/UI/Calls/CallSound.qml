@@ -7,20 +7,20 @@ import Corvane.Controls
 Column {
     id: sound
 
-    required property CallPage page
-    readonly property CallPlayer player: page.player
+    required property CallSoundView view ///< the view model
+    readonly property CallPlayer player: view.player
 
     spacing: Theme.small
 
     Label {
         width: parent.width
         visible: text !== ""
-        text: sound.page.noSoundText
+        text: sound.view.noSoundText
         color: Theme.soft
     }
     Row {
         width: parent.width
-        visible: sound.page.hasSound
+        visible: sound.view.hasSound
         spacing: Theme.medium
         IconButton {
             id: press
@@ -49,9 +49,9 @@ Column {
             background: Item {
                 CallWave {
                     anchors.fill: parent
-                    above: sound.page.microphoneBars
-                    below: sound.page.systemBars
-                    marks: sound.page.marks
+                    above: sound.view.microphoneBars
+                    below: sound.view.systemBars
+                    marks: sound.view.marks
                     progress: track.visualPosition
                     ink: Theme.faint
                     accent: Theme.accent
@@ -76,7 +76,7 @@ Column {
     }
     Flow {
         width: parent.width
-        visible: sound.page.hasSound && (sound.player.hasBoth || sound.page.markTimes.length > 0)
+        visible: sound.view.hasSound && (sound.player.hasBoth || sound.view.markTimes.length > 0)
         spacing: Theme.tight
         Chip {
             objectName: "call.microphone"
@@ -97,13 +97,13 @@ Column {
             onClicked: sound.player.systemOn = !sound.player.systemOn
         }
         Repeater {
-            model: sound.page.markTimes
+            model: sound.view.markTimes
             Chip {
                 required property string modelData
                 required property int index
                 objectName: "call.mark"
                 text: qsTr("Mark %1").arg(modelData)
-                onClicked: sound.page.playMark(index)
+                onClicked: sound.view.playMark(index)
             }
         }
     }

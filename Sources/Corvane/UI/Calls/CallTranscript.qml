@@ -8,18 +8,19 @@ FocusScope {
     id: transcript
 
     required property CallPage page
+    readonly property CallTranscriptView view: page.transcript
 
     function leadToHit() {
-        if (page.firstHit >= 0) {
-            list.positionViewAtIndex(page.firstHit, ListView.Center);
-            list.currentIndex = page.firstHit;
+        if (view.firstHit >= 0) {
+            list.positionViewAtIndex(view.firstHit, ListView.Center);
+            list.currentIndex = view.firstHit;
         }
     }
 
     Connections {
-        target: transcript.page
+        target: transcript.view
         function onMoved() {
-            const turn = transcript.page.currentTurn;
+            const turn = transcript.view.currentTurn;
             if (turn >= 0 && turn !== list.heard) {
                 list.heard = turn;
                 if (!list.moving && !list.activeFocus)
@@ -32,7 +33,7 @@ FocusScope {
     }
     property string ledFor
     function leadOnce() {
-        const search = page.callId + "/" + page.firstHit;
+        const search = page.callId + "/" + view.firstHit;
         if (search === ledFor)
             return;
         ledFor = search;
@@ -49,14 +50,14 @@ FocusScope {
         spacing: 2
         boundsBehavior: Flickable.StopAtBounds
         activeFocusOnTab: true
-        model: transcript.page.turns
+        model: transcript.view.turns
         keyNavigationEnabled: true
         highlightMoveDuration: 0
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Transcript")
         T.ScrollBar.vertical: ScrollBar {}
-        Keys.onReturnPressed: if (currentIndex >= 0) transcript.page.playTurn(currentIndex)
-        Keys.onSpacePressed: transcript.page.player.toggle()
+        Keys.onReturnPressed: if (currentIndex >= 0) transcript.view.playTurn(currentIndex)
+        Keys.onSpacePressed: transcript.page.sound.player.toggle()
 
         KeyboardFocus { id: keyboard; target: list }
 
@@ -76,7 +77,7 @@ FocusScope {
             Accessible.name: turn.speaker + ", " + turn.time + ": " + turn.text
             onClicked: {
                 list.currentIndex = index;
-                transcript.page.playTurn(index);
+                transcript.view.playTurn(index);
             }
             background: Rectangle {
                 radius: Theme.controlRadius
@@ -119,7 +120,7 @@ FocusScope {
     Label {
         anchors.centerIn: parent
         visible: text !== ""
-        text: transcript.page.emptyTranscriptText
+        text: transcript.view.emptyText
         color: Theme.soft
     }
 }

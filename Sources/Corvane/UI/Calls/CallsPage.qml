@@ -56,7 +56,7 @@ Page {
             anchors.topMargin: Theme.large
             x: Theme.wide
             width: parent.width - Theme.wide * 2
-            page: page.calls.page
+            view: page.calls.page.sound
         }
         CallTranscript {
             anchors.top: sound.bottom

@@ -23,6 +23,34 @@ struct CallPageType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct CallTranscriptViewType {
+    Q_GADGET
+    QML_FOREIGN(corvane::CallTranscriptView)
+    QML_NAMED_ELEMENT(CallTranscriptView)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct CallSoundViewType {
+    Q_GADGET
+    QML_FOREIGN(corvane::CallSoundView)
+    QML_NAMED_ELEMENT(CallSoundView)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct CallProcessingType {
+    Q_GADGET
+    QML_FOREIGN(corvane::CallProcessing)
+    QML_NAMED_ELEMENT(CallProcessing)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct CallProposalsViewType {
+    Q_GADGET
+    QML_FOREIGN(corvane::CallProposalsView)
+    QML_NAMED_ELEMENT(CallProposalsView)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct CallPlayerType {
     Q_GADGET
     QML_FOREIGN(corvane::CallPlayer)
