@@ -21,8 +21,8 @@ namespace {
 void queueReply(Gallery& gallery, const QString& text)
 {
     LocalDB& db = gallery.db();
-    const Composer& composer = *gallery.screens().inbox.reply()->composer();
-    if (const auto target = replyTarget(db, composer.contactId(), composer.replyPlatform()))
+    Composer& composer = *gallery.screens().inbox.reply()->composer();
+    if (const auto target = replyTarget(db, composer.contactId(), composer.routing()->replyPlatform()))
         queueDraft(db, conversationId(target->account, target->chatId), text, u"mcp"_s);
     gallery.app().delivery().refresh();
     for (const PendingDraft& draft : gallery.app().delivery().pending())
@@ -41,7 +41,7 @@ void searchFor(Gallery& gallery, const QString& words)
 void drawFiles(Gallery& gallery)
 {
     Composer& composer = *gallery.screens().inbox.reply()->composer();
-    const auto target = replyTarget(gallery.db(), composer.contactId(), composer.replyPlatform());
+    const auto target = replyTarget(gallery.db(), composer.contactId(), composer.routing()->replyPlatform());
     const auto account = target ? gallery.app().store().findBySlug(target->account) : std::nullopt;
     if (!account)
         return;

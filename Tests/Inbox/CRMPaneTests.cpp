@@ -236,7 +236,7 @@ TEST_F(CRMPaneTest, aMergeOfAnotherProgramIsTakenUpAtTheNextTick)
     engines.db().watch().start();
     inbox.person()->select(namesake);
     inbox.reply()->composer()->setText("half a sentence");
-    inbox.reply()->composer()->startVoice();
+    inbox.reply()->composer()->voice()->startNote();
     microphone.answer(MicrophoneAccess::Granted);
     microphone.recording->seconds = 1;
     const auto other = openDatabase(clock);
@@ -246,13 +246,13 @@ TEST_F(CRMPaneTest, aMergeOfAnotherProgramIsTakenUpAtTheNextTick)
     EXPECT_EQ(inbox.person()->selectedId(), ana);
     EXPECT_EQ(bodies().size(), 3) << "a day, and a message of each";
     EXPECT_EQ(inbox.reply()->composer()->text(), "half a sentence");
-    EXPECT_TRUE(inbox.reply()->composer()->showsVoice());
+    EXPECT_TRUE(inbox.reply()->composer()->voice()->showsNote());
     EXPECT_EQ(texts(pane.merges()), QStringList("Merged with ana ruiz"));
     ASSERT_TRUE(unmergeContacts(*other, *merge));
     clock.advance(seconds(5));
     EXPECT_EQ(names().size(), 3);
     EXPECT_EQ(pane.merges()->rowCount(), 0);
-    inbox.reply()->composer()->voice()->cancel();
+    inbox.reply()->composer()->voice()->note()->cancel();
 }
 
 TEST_F(CRMPaneTest, aMergeShowsWhatIsKnownOfBoth)

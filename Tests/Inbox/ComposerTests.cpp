@@ -39,6 +39,8 @@ protected:
     }
 
     Composer& composer = *inbox.reply()->composer();
+    ReplyRouting& routing = *composer.routing();
+    VoiceRecorder& note = *composer.voice()->note();
 };
 
 }
@@ -83,7 +85,7 @@ TEST_F(ComposerTest, filesGoWithTheMessageAndAreKeptWithItsText)
     engine().printEvent({ { "type", "features" }, { "files", true }, { "maxBytes", 3000 }, { "subject", true } });
     settle();
     Attachments& attachments = *composer.attachments();
-    EXPECT_TRUE(composer.takesSubject() && attachments.allowed());
+    EXPECT_TRUE(routing.takesSubject() && attachments.allowed());
     desktop.chosen = failure("There is no window to choose in.");
     attachments.choose();
     EXPECT_EQ(composer.sendError(), "There is no window to choose in.");
@@ -125,8 +127,8 @@ TEST_F(ComposerTest, filesGoWithTheMessageAndAreKeptWithItsText)
     const QString id = command["sendId"].toString();
     engine().printEvent({ { "type", "sendAck" }, { "sendId", id }, { "status", "failed" }, { "error", "full" } });
     settle();
-    EXPECT_EQ(column(composer.unsent(), "files"), QStringList("plan.pdf"));
-    composer.retry(id);
+    EXPECT_EQ(column(composer.unsent()->rows(), "files"), QStringList("plan.pdf"));
+    composer.unsent()->retry(id);
     const QString again = engine().commands().last()["sendId"].toString();
     engine().printEvent({ { "type", "sendAck" }, { "sendId", again }, { "status", "sent" } });
     settle();
@@ -141,7 +143,7 @@ TEST_F(ComposerTest, aChannelThatCarriesNoFilesSaysSo)
     home.write("plan.pdf", "x");
     composer.dropFiles({ QUrl::fromLocalFile(home.path("plan.pdf")) });
     ASSERT_TRUE(await([&] { return composer.canSend(); }));
-    composer.setReplyPlatform("EMAIL");
+    routing.setReplyPlatform("EMAIL");
     EXPECT_EQ(
         composer.attachments()->problem(), "Email carries no files here. Remove them, or choose another channel.");
     EXPECT_FALSE(composer.canSend());
@@ -177,8 +179,8 @@ TEST_F(ComposerTest, whatCannotBeSentStaysAndSaysWhy)
     addEmailToAna();
     const QString slug = account.slug;
     composer.setText("hello");
-    composer.setReplyPlatform("EMAIL");
-    EXPECT_EQ(composer.placeholder(), "Reply on Email · Ctrl+Return sends");
+    routing.setReplyPlatform("EMAIL");
+    EXPECT_EQ(composer.hints()->placeholder(), "Reply on Email · Ctrl+Return sends");
     composer.send();
     EXPECT_EQ(composer.sendError(), "Account mail is not connected") << "an account that is gone";
     engines.db().exec("UPDATE unified_conversation SET deleted_at=1 WHERE channel='EMAIL';");
@@ -187,7 +189,7 @@ TEST_F(ComposerTest, whatCannotBeSentStaysAndSaysWhy)
     composer.dismissError();
     EXPECT_EQ(composer.sendError(), "");
 
-    composer.setReplyPlatform("WHATSAPP");
+    routing.setReplyPlatform("WHATSAPP");
     stopEngine();
     composer.send();
     EXPECT_EQ(composer.sendError(), "Account " + slug + " is not connected");
@@ -211,7 +213,7 @@ TEST_F(ComposerTest, whatCannotBeSentStaysAndSaysWhy)
 
     restartEngine();
     inbox.person()->select(ana);
-    composer.setReplyPlatform("WHATSAPP");
+    routing.setReplyPlatform("WHATSAPP");
     composer.send();
     EXPECT_EQ(composer.text(), "");
     EXPECT_EQ(composer.sendError(), "");
@@ -220,7 +222,7 @@ TEST_F(ComposerTest, whatCannotBeSentStaysAndSaysWhy)
 TEST_F(ComposerTest, aMessageThatDidNotGoOutStandsThereUntilItIsSentAgain)
 {
     const auto unsent = [&](const QByteArray& role) {
-        return column(composer.unsent(), role);
+        return column(composer.unsent()->rows(), role);
     };
     const auto answer = [&](const QString& status) {
         engine().printEvent({ { "type", "sendAck" }, { "sendId", engine().commands().last().value("sendId") },
@@ -237,18 +239,18 @@ TEST_F(ComposerTest, aMessageThatDidNotGoOutStandsThereUntilItIsSentAgain)
     EXPECT_EQ(unsent("body"), QStringList());
     inbox.person()->select(ana);
 
-    composer.retry(unsent("id").first());
+    composer.unsent()->retry(unsent("id").first());
     EXPECT_EQ(commands("send").size(), 2);
     EXPECT_EQ(unsent("body"), QStringList());
     answer("uncertain");
     EXPECT_EQ(unsent("reason"), QStringList("It may have gone out. no such chat"));
-    composer.retry(unsent("id").first());
+    composer.unsent()->retry(unsent("id").first());
     clock.advance(seconds(119));
     engine().printEvent({ { "type", "sendProgress" }, { "sendId", engine().commands().last().value("sendId") } });
     clock.advance(seconds(119));
     answer("failed");
     EXPECT_EQ(unsent("body"), QStringList("hello")) << "an engine that is still at work has not answered";
-    composer.retry(unsent("id").first());
+    composer.unsent()->retry(unsent("id").first());
     answer("sent");
     composer.setText("again");
     composer.send();
@@ -256,29 +258,29 @@ TEST_F(ComposerTest, aMessageThatDidNotGoOutStandsThereUntilItIsSentAgain)
     EXPECT_EQ(unsent("reason"), QStringList("Not sent: The engine ended before it answered. It may have gone out."));
     UnsentMessages later(engines, clock, home.path("share/Corvane/unsent-messages.json"));
     later.show(ana);
-    EXPECT_EQ(later.rows().rows().size(), 1) << "it outlives the program";
-    composer.discard(unsent("id").first());
+    EXPECT_EQ(later.rows()->rowCount(), 1) << "it outlives the program";
+    composer.unsent()->discard(unsent("id").first());
     EXPECT_EQ(unsent("body"), QStringList());
 }
 
 TEST_F(ComposerTest, theReplyPlatformIsPickedAmongThePersonsAndRememberedAfterASend)
 {
     addEmailToAna();
-    EXPECT_EQ(composer.replyPlatforms().size(), 2);
-    EXPECT_EQ(composer.replyPlatforms().last().label, channelLabel(inbox.person()->selected().platforms.last()));
-    composer.setReplyPlatform("SLACK");
-    EXPECT_NE(composer.replyPlatform(), "SLACK");
+    EXPECT_EQ(routing.platforms().size(), 2);
+    EXPECT_EQ(routing.platforms().last().label, channelLabel(inbox.person()->selected().platforms.last()));
+    routing.setReplyPlatform("SLACK");
+    EXPECT_NE(routing.replyPlatform(), "SLACK");
     for (const QString& platform : { u"EMAIL"_s, u"WHATSAPP"_s }) {
-        composer.setReplyPlatform(platform);
+        routing.setReplyPlatform(platform);
         receive(ana, "a reload leaves the choice");
-        EXPECT_EQ(composer.replyPlatform(), platform);
+        EXPECT_EQ(routing.replyPlatform(), platform);
     }
     composer.setText("on WhatsApp");
     composer.send();
-    composer.setReplyPlatform("EMAIL");
+    routing.setReplyPlatform("EMAIL");
     inbox.person()->select(ben);
     inbox.person()->select(ana);
-    EXPECT_EQ(composer.replyPlatform(), "WHATSAPP");
+    EXPECT_EQ(routing.replyPlatform(), "WHATSAPP");
 }
 
 TEST_F(ComposerTest, nothingTypedIsLost)
@@ -379,21 +381,20 @@ TEST_F(ComposerTest, aPreparedTextIsPutIntoTheFieldAndCanBeTakenBack)
 
 TEST_F(ComposerTest, aVoiceNoteGoesToTheEngineAsAFile)
 {
-    VoiceRecorder& voice = *composer.voice();
-    composer.startVoice();
-    EXPECT_EQ(voice.stateWord(), "starting");
+    composer.voice()->startNote();
+    EXPECT_EQ(note.stateWord(), "starting");
     microphone.answer(MicrophoneAccess::Granted);
-    EXPECT_TRUE(voice.recording());
+    EXPECT_TRUE(note.recording());
     microphone.recording->seconds = 67.2;
     microphone.recording->loudness = 0.5;
     clock.advance(Milliseconds(100));
-    EXPECT_EQ(voice.elapsedText(), "1:07");
-    EXPECT_EQ(voice.level(), 0.5);
+    EXPECT_EQ(note.elapsedText(), "1:07");
+    EXPECT_EQ(note.level(), 0.5);
     composer.sendVoice();
     const QString path = u"%1/corvane-voice-%2.m4a"_s.arg(QDir::tempPath()).arg(clock.nowMs() / 1000);
     EXPECT_EQ(commands("sendAudio"),
         QStringList(uR"({"chatId":"49171@s.whatsapp.net","cmd":"sendAudio","path":"%1"})"_s.arg(path)));
-    EXPECT_EQ(voice.stateWord(), "idle");
+    EXPECT_EQ(note.stateWord(), "idle");
     EXPECT_TRUE(QFile::remove(path)) << "the engine has yet to read it";
     EXPECT_EQ(defaults.text("nimb.replyPlatform." + ana), "WHATSAPP");
 }
@@ -401,12 +402,12 @@ TEST_F(ComposerTest, aVoiceNoteGoesToTheEngineAsAFile)
 TEST_F(ComposerTest, aVoiceNoteThatCannotBeSentWaits)
 {
     stopEngine();
-    composer.startVoice();
+    composer.voice()->startNote();
     microphone.answer(MicrophoneAccess::Granted);
     microphone.recording->seconds = 1;
     composer.sendVoice();
     EXPECT_EQ(composer.sendError(), "Account " + account.slug + " is not connected");
-    EXPECT_EQ(composer.voice()->stateWord(), "kept");
+    EXPECT_EQ(note.stateWord(), "kept");
     restartEngine();
     composer.sendVoice();
     ASSERT_EQ(commands("sendAudio").size(), 1);
@@ -416,60 +417,59 @@ TEST_F(ComposerTest, aVoiceNoteThatCannotBeSentWaits)
 
 TEST_F(ComposerTest, aVoiceNoteStaysWithThePersonForWhomItWasBegun)
 {
-    composer.startVoice();
+    composer.voice()->startNote();
     microphone.answer(MicrophoneAccess::Granted);
     microphone.recording->seconds = 2;
     inbox.person()->select(ben);
-    EXPECT_FALSE(composer.showsVoice());
+    EXPECT_FALSE(composer.voice()->showsNote());
     composer.sendVoice();
     EXPECT_EQ(commands("sendAudio").size(), 0);
-    composer.startVoice();
+    composer.voice()->startNote();
     EXPECT_EQ(composer.sendError(), "A voice note to another contact waits: send or discard it first.");
     inbox.person()->select(ana);
-    EXPECT_TRUE(composer.showsVoice());
-    EXPECT_EQ(composer.voice()->stateWord(), "kept");
-    EXPECT_EQ(composer.voice()->elapsedText(), "0:02");
-    composer.voice()->cancel();
+    EXPECT_TRUE(composer.voice()->showsNote());
+    EXPECT_EQ(note.stateWord(), "kept");
+    EXPECT_EQ(note.elapsedText(), "0:02");
+    note.cancel();
     EXPECT_TRUE(QDir(QDir::tempPath()).entryList({ "corvane-voice-17600*" }).isEmpty());
-    EXPECT_FALSE(composer.showsVoice());
+    EXPECT_FALSE(composer.voice()->showsNote());
 }
 
 TEST_F(ComposerTest, aMicrophoneThatIsMissingRefusedOrGoesAwaySaysSo)
 {
-    VoiceRecorder& voice = *composer.voice();
-    composer.startVoice();
+    composer.voice()->startNote();
     microphone.answer(MicrophoneAccess::Denied);
-    EXPECT_EQ(voice.notice(), "Microphone permission was refused.");
-    EXPECT_TRUE(voice.idle());
-    composer.startVoice();
-    EXPECT_EQ(voice.notice(), "");
+    EXPECT_EQ(note.notice(), "Microphone permission was refused.");
+    EXPECT_TRUE(note.idle());
+    composer.voice()->startNote();
+    EXPECT_EQ(note.notice(), "");
     microphone.answer(MicrophoneAccess::Missing);
-    EXPECT_EQ(voice.notice(), "No microphone was found.");
+    EXPECT_EQ(note.notice(), "No microphone was found.");
     microphone.broken = true;
-    composer.startVoice();
+    composer.voice()->startNote();
     microphone.answer(MicrophoneAccess::Granted);
-    EXPECT_EQ(voice.notice(), "Could not start microphone recording.");
+    EXPECT_EQ(note.notice(), "Could not start microphone recording.");
     microphone.broken = false;
 
-    composer.startVoice();
+    composer.voice()->startNote();
     microphone.answer(MicrophoneAccess::Granted);
     Q_EMIT microphone.recording->interrupted("Timeout");
-    EXPECT_EQ(voice.notice(), "Could not record: Timeout.");
-    EXPECT_TRUE(voice.idle());
+    EXPECT_EQ(note.notice(), "Could not record: Timeout.");
+    EXPECT_TRUE(note.idle());
 
-    composer.startVoice();
+    composer.voice()->startNote();
     microphone.answer(MicrophoneAccess::Granted);
     microphone.recording->seconds = 3;
     Q_EMIT microphone.recording->interrupted("Connection terminated");
-    EXPECT_EQ(voice.notice(), "The recording ended: Connection terminated. What was recorded until then is kept.");
-    EXPECT_EQ(voice.stateWord(), "kept");
-    EXPECT_EQ(voice.elapsed(), 3);
+    EXPECT_EQ(note.notice(), "The recording ended: Connection terminated. What was recorded until then is kept.");
+    EXPECT_EQ(note.stateWord(), "kept");
+    EXPECT_EQ(note.elapsed(), 3);
     composer.sendVoice();
     ASSERT_EQ(commands("sendAudio").size(), 1);
     EXPECT_TRUE(QFile::remove(engine().commands().last().value("path").toString()));
 
-    composer.startVoice();
-    voice.cancel();
+    composer.voice()->startNote();
+    note.cancel();
     microphone.answer(MicrophoneAccess::Granted);
-    EXPECT_TRUE(voice.idle()) << "an answer that comes too late begins nothing";
+    EXPECT_TRUE(note.idle()) << "an answer that comes too late begins nothing";
 }

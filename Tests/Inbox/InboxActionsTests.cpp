@@ -304,10 +304,10 @@ TEST_F(InboxViewTest, theReplyGoesWhereItLastWent)
     inbox.list()->reload();
     defaults.setText("nimb.replyPlatform." + ana, "EMAIL");
     inbox.person()->select(ana);
-    EXPECT_EQ(inbox.reply()->composer()->replyPlatform(), "EMAIL");
+    EXPECT_EQ(inbox.reply()->composer()->routing()->replyPlatform(), "EMAIL");
     defaults.setText("nimb.replyPlatform." + ana, "SLACK");
     inbox.person()->select(ben);
     inbox.person()->select(ana);
-    EXPECT_EQ(inbox.reply()->composer()->replyPlatform(), inbox.person()->selected().platforms.first())
+    EXPECT_EQ(inbox.reply()->composer()->routing()->replyPlatform(), inbox.person()->selected().platforms.first())
         << "a channel that the person has not";
 }

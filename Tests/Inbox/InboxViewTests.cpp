@@ -25,7 +25,7 @@ TEST_F(InboxViewTest, aLineOfAnEngineBecomesARowAndAnOpenThread)
     EXPECT_EQ(inbox.person()->selected().unread, 0);
     EXPECT_EQ(engines.openContactId(), ana);
     EXPECT_EQ(engines.unreadTotal(), 1);
-    EXPECT_EQ(inbox.reply()->composer()->replyPlatform(), "WHATSAPP");
+    EXPECT_EQ(inbox.reply()->composer()->routing()->replyPlatform(), "WHATSAPP");
     EXPECT_EQ(commands("markRead").size(), 1);
     EXPECT_EQ(cell("SELECT SUM(unread) FROM unified_conversation;"), "1");
 

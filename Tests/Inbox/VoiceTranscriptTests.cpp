@@ -69,17 +69,18 @@ TEST_F(VoiceTranscriptTest, whatHindersATranscriptIsSaidAndLeavesWithTheThread)
 TEST_F(VoiceTranscriptTest, whatIsDictatedStandsAtTheCursorAndItsSoundIsGone)
 {
     Composer& composer = *inbox.reply()->composer();
-    ComposerDictation& dictation = *composer.dictation();
+    ComposerVoice& speech = *composer.voice();
+    ComposerDictation& dictation = *speech.dictation();
     composer.setText("So, indeed.");
-    QSignalSpy said(&composer, &Composer::dictated);
-    composer.dictate();
+    QSignalSpy said(&speech, &ComposerVoice::dictated);
+    speech.dictate();
     microphone.answer(MicrophoneAccess::Granted);
     EXPECT_EQ(dictation.stateText(), "Dictating locally");
     QFile sound(spoken);
     ASSERT_TRUE(sound.open(QIODevice::ReadOnly));
     microphone.recording->sound = sound.readAll();
     microphone.recording->seconds = 3;
-    composer.dictate();
+    speech.dictate();
     EXPECT_EQ(dictation.stateText(), "Transcribing with Basic English recogniser");
     ASSERT_TRUE(await([&] { return !said.isEmpty(); }));
     EXPECT_EQ(dictation.stateText(), "Dictation inserted into composer.");
@@ -92,7 +93,7 @@ TEST_F(VoiceTranscriptTest, whatIsDictatedStandsAtTheCursorAndItsSoundIsGone)
     composer.undo();
     EXPECT_EQ(composer.text(), "So, he said indeed.");
 
-    composer.dictate();
+    speech.dictate();
     microphone.answer(MicrophoneAccess::Denied);
     EXPECT_EQ(dictation.stateWord() + ": " + dictation.stateText(), "error: Microphone permission was refused.");
     dictation.cancel();

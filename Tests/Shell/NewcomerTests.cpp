@@ -94,7 +94,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     inbox().person()->select(sofia);
     ASSERT_TRUE(await([&] { return pane().identityText() == "Same person · 3 channels"; }));
     EXPECT_EQ(channels(), (QSet<QString> { "WHATSAPP", "EMAIL", "TELEGRAM" }));
-    EXPECT_EQ(composer().replyPlatforms().size(), 3);
+    EXPECT_EQ(composer().routing()->platforms().size(), 3);
 
     // A reply is sent at once, and its ticks change as it is delivered and read.
     const QString answer = "Obrigada, Sofia! As caixas seguem amanhã";
@@ -103,7 +103,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
         inbox().list()->reload();
         ticks.append(ticksOf(answer));
     });
-    composer().setReplyPlatform("WHATSAPP");
+    composer().routing()->setReplyPlatform("WHATSAPP");
     composer().setText(answer);
     composer().send();
     EXPECT_EQ(composer().text(), "");
@@ -115,7 +115,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     EXPECT_EQ(cell("SELECT COUNT(*) FROM outbound_draft;"), "0") << "what a person sends needs nobody's approval";
 
     // A reply on a merged channel: the engine's message moves that conversation back to its own contact.
-    composer().setReplyPlatform("TELEGRAM");
+    composer().routing()->setReplyPlatform("TELEGRAM");
     composer().setText("Também por aqui");
     composer().send();
     ASSERT_TRUE(await([&] { return ticksOf("Também por aqui") == "Sent"; }));

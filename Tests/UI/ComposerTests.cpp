@@ -71,7 +71,7 @@ TEST_F(ComposerWindow, aReplyIsTypedAndSentWithKeysAlone)
     EXPECT_TRUE(focusWithin(u"composer"_s));
 
     settings.system()->setReturnSends(true);
-    EXPECT_TRUE(inbox.reply()->composer()->placeholder().endsWith(u" · Return sends"_s));
+    EXPECT_TRUE(inbox.reply()->composer()->hints()->placeholder().endsWith(u" · Return sends"_s));
     type(u"by"_s);
     press(Qt::Key_Return, Qt::ShiftModifier);
     type(u"choice"_s);
@@ -187,7 +187,7 @@ TEST_F(ComposerWindow, anErrorAndAVoiceNoteShowAboveTheField)
     click(u"composer.sendVoice"_s);
     item(u"composer.error"_s);
     click(u"composer.discardVoice"_s);
-    EXPECT_TRUE(inbox.reply()->composer()->voice()->idle());
+    EXPECT_TRUE(inbox.reply()->composer()->voice()->note()->idle());
     EXPECT_EQ(item(u"composer"_s)->property("text"), u"hello"_s);
 }
 

@@ -82,10 +82,10 @@ TEST_F(VoiceWindow, aReplyIsDictatedAtTheCursorAndEscLeavesIt)
     microphone.answer(MicrophoneAccess::Granted);
     rest();
     press(Qt::Key_Escape);
-    EXPECT_EQ(inbox.reply()->composer()->dictation()->stateWord(), u"idle"_s);
+    EXPECT_EQ(inbox.reply()->composer()->voice()->dictation()->stateWord(), u"idle"_s);
     EXPECT_TRUE(focusWithin(u"composer"_s));
 
-    const ComposerDictation& dictation = *inbox.reply()->composer()->dictation();
+    const ComposerDictation& dictation = *inbox.reply()->composer()->voice()->dictation();
     const QPoint button = item(u"composer.dictate"_s)->mapToScene(QPointF(8, 8)).toPoint();
     QGuiApplication::styleHints()->setMousePressAndHoldInterval(0);
     QTest::mousePress(front(), Qt::LeftButton, {}, button);

@@ -15,7 +15,7 @@ QList<Command> inboxCommands(InboxView& inbox)
         return Command { .id = id, .keys = keys, .action = action, .canRun = somebodyIsOpen, .run = run };
     };
     Command dictate = shortcut(u"dictate"_s, u"Dictate, or insert what was said"_s, u"Ctrl+Shift+D"_s,
-        [&inbox] { inbox.reply()->composer()->dictate(); });
+        [&inbox] { inbox.reply()->composer()->voice()->dictate(); });
     dictate.action = u"Dictate into the reply"_s;
     dictate.canRun = somebodyIsOpen;
     return at({ u"In the list"_s, 0 },

@@ -116,7 +116,7 @@ Screens::Screens(CorvaneApp& root)
     };
     QObject::connect(&app.engine(), &EngineManager::unreadTotalChanged, &shell, showUnread);
     showUnread();
-    QObject::connect(&system, &SystemSettings::changed, reply.composer(), &Composer::hintsChanged);
+    QObject::connect(&system, &SystemSettings::changed, reply.composer()->hints(), &ComposerHints::changed);
     QObject::connect(&notices, &Notices::calendarRequested, &shell, [this] { shell.selectHub(u"calendar"_s); });
     commands.add(shellCommands(shell, inbox, commands));
     commands.add(approvalCommands());

@@ -1,57 +1,35 @@
 #include "Inbox/Compose/Composer.h"
 
-#include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
 #include "Foundation/Text.h"
 #include "Inbox/Compose/DroppedText.h"
-#include "Inbox/Compose/ReplyRouting.h"
-#include "Presentation/SendKeys.h"
 #include "Store/People/IdentityQueries.h"
 
-#include <QDir>
 #include <algorithm>
 
 namespace corvane {
 
-namespace {
-
-/// Why the engine could not send; nothing if it can.
-std::optional<QString> obstacle(const Account& account, WAStatus status)
-{
-    switch (status) {
-    case WAStatus::Starting:
-    case WAStatus::Connecting:
-        return u"%1 is still connecting. Send again in a moment."_s.arg(account.name);
-    case WAStatus::NeedsQR:
-    case WAStatus::LoggedOut:
-        return u"Account %1 is not connected"_s.arg(account.slug);
-    case WAStatus::Connected:
-    case WAStatus::Error:
-    case WAStatus::Stopped:
-        return std::nullopt;
-    }
-    Q_UNREACHABLE();
-}
-
-}
-
 Composer::Composer(const Surroundings& surroundings, QObject* parent)
     : QObject(parent)
     , m_engine(surroundings.engine)
-    , m_accounts(surroundings.accounts)
-    , m_defaults(surroundings.defaults)
     , m_texts(surroundings.unsentFolder + u"/unsent.json"_s, surroundings.scheduler)
     , m_unsent(surroundings.engine, surroundings.scheduler, surroundings.unsentFolder + u"/unsent-messages.json"_s)
     , m_attachments(surroundings.engine.outbox(), surroundings.desktop)
-    , m_voice(surroundings.microphone, surroundings.scheduler, QDir::tempPath())
-    , m_dictation(surroundings.voice, surroundings.microphone, surroundings.scheduler, surroundings.defaults)
+    , m_routing(surroundings.engine, surroundings.accounts, surroundings.defaults)
+    , m_hints(m_routing, surroundings.defaults)
+    , m_voice(surroundings.engine.db(), surroundings.voice, surroundings.microphone, surroundings.scheduler,
+          surroundings.defaults)
 {
-    connect(&m_voice, &VoiceRecorder::stateChanged, this, &Composer::voiceShown);
-    connect(&m_dictation, &ComposerDictation::dictated, this, &Composer::takeDictation);
-    connect(this, &Composer::replyPlatformChanged, this, &Composer::hintsChanged);
-    connect(this, &Composer::replyPlatformChanged, this, &Composer::readFeatures);
-    connect(&m_engine, &EngineManager::featuresChanged, this, &Composer::readFeatures);
+    connect(&m_routing, &ReplyRouting::changed, this,
+        [this] { m_attachments.setChannel(m_routing.label(), m_routing.features()); });
+    connect(&m_voice, &ComposerVoice::refused, this, &Composer::setSendError);
+    connect(&m_voice, &ComposerVoice::dictatedTo, this, &Composer::append);
+    connect(
+        &m_unsent, &UnsentMessages::retried, this, [this](const QString& id, const UnsentMessages::Message& message) {
+            if (sendMessage(message.platform, message.content))
+                m_unsent.forget(id);
+        });
     connect(&m_attachments, &Attachments::changed, this, &Composer::textChanged);
     connect(&m_attachments, &Attachments::refused, this, &Composer::setSendError);
     connect(&m_attachments, &Attachments::added, this, [this](const QString& contactId, const OutgoingFile& file) {
@@ -71,30 +49,18 @@ void Composer::open(const ContactRow& contact)
     const bool samePerson = contact.id == m_contact.id;
     if (samePerson && contact.platforms == m_contact.platforms)
         return;
-    if (!samePerson && showsVoice())
-        m_voice.leave();
-    if (!samePerson)
-        m_dictation.finish(); // pending dictation is inserted into the previous contact's text
+    m_voice.open(contact.id);
     m_contact = contact;
-    if (!samePerson || !contact.platforms.contains(m_replyPlatform))
-        m_replyPlatform = contact.id.isEmpty() ? QString() : preferredReplyPlatform(m_defaults, contact);
     gatherMerged();
     m_unsent.show(contact.id);
     m_attachments.show(contact.id, m_texts.message(contact.id).files);
     if (!samePerson) {
         forgetUndo();
         setSendError({});
-        m_voice.dismissNotice();
     }
     Q_EMIT contactChanged();
-    Q_EMIT replyPlatformChanged();
-    Q_EMIT voiceShown();
+    m_routing.open(contact);
     Q_EMIT textChanged();
-}
-
-bool Composer::showsVoice() const
-{
-    return !m_voice.idle() && personBehind(m_engine.db(), m_voice.contactId()) == m_contact.id;
 }
 
 void Composer::setText(const QString& text)
@@ -123,15 +89,6 @@ bool Composer::canSend() const
     return m_attachments.isReady() && (!text().trimmed().isEmpty() || !m_attachments.files().isEmpty());
 }
 
-void Composer::readFeatures()
-{
-    const auto target
-        = m_contact.id.isEmpty() ? std::nullopt : replyTarget(m_engine.db(), m_contact.id, m_replyPlatform);
-    m_features = target ? fetchFeatures(m_engine.db(), target->account) : ChannelFeatures();
-    m_attachments.setChannel(replyPlatformLabel(), m_features);
-    Q_EMIT featuresChanged();
-}
-
 void Composer::gatherMerged()
 {
     if (m_contact.id.isEmpty())
@@ -150,42 +107,6 @@ void Composer::gatherMerged()
         m_texts.set(m_contact.id, all);
         m_texts.set(id, {});
     }
-}
-
-QList<Choice> Composer::replyPlatforms() const
-{
-    QList<Choice> choices;
-    for (const QString& platform : m_contact.platforms)
-        choices.append({ platform, channelLabel(platform) });
-    return choices;
-}
-
-void Composer::setReplyPlatform(const QString& platform)
-{
-    if (platform == m_replyPlatform || !m_contact.platforms.contains(platform))
-        return;
-    m_replyPlatform = platform;
-    Q_EMIT replyPlatformChanged();
-}
-
-QString Composer::replyPlatformLabel() const
-{
-    return channelLabel(m_replyPlatform);
-}
-
-QString Composer::placeholder() const
-{
-    return m_replyPlatform.isEmpty() ? QString() : u"Reply on %1 · %2 sends"_s.arg(replyPlatformLabel(), sendKeys());
-}
-
-bool Composer::returnSends() const
-{
-    return corvane::returnSends(m_defaults);
-}
-
-QString Composer::sendKeys() const
-{
-    return corvane::sendKeys(m_defaults);
 }
 
 void Composer::apply(const QString& text, Placement placement)
@@ -240,20 +161,13 @@ void Composer::send()
         return;
     OutgoingMessage message = m_texts.message(m_contact.id);
     message.text = message.text.trimmed();
-    message.subject = m_features.subject ? singleLine(message.subject) : QString();
-    if (!sendMessage(m_replyPlatform, message))
+    message.subject = m_routing.takesSubject() ? singleLine(message.subject) : QString();
+    if (!sendMessage(m_routing.replyPlatform(), message))
         return;
     m_texts.forget(m_contact.id);
     m_attachments.show(m_contact.id, {});
     forgetUndo();
     Q_EMIT textChanged();
-}
-
-void Composer::retry(const QString& id)
-{
-    const auto message = m_unsent.find(id);
-    if (message && sendMessage(message->platform, message->content))
-        m_unsent.forget(id);
 }
 
 bool Composer::sendMessage(const QString& platform, const OutgoingMessage& message)
@@ -267,30 +181,8 @@ bool Composer::sendMessage(const QString& platform, const OutgoingMessage& messa
     });
 }
 
-void Composer::startVoice()
+void Composer::append(const QString& contactId, const QString& said)
 {
-    if (m_contact.id.isEmpty())
-        return;
-    if (m_voice.idle())
-        m_voice.start(m_contact.id);
-    else if (!showsVoice())
-        setSendError(u"A voice note to another contact waits: send or discard it first."_s);
-}
-
-void Composer::dictate()
-{
-    if (m_dictation.active())
-        m_dictation.finish();
-    else if (!showsVoice())
-        m_dictation.start(m_contact.id);
-}
-
-void Composer::takeDictation(const QString& contactId, const QString& said)
-{
-    if (personBehind(m_engine.db(), contactId) == m_contact.id) {
-        Q_EMIT dictated(said);
-        return;
-    }
     OutgoingMessage message = m_texts.message(contactId);
     message.text = message.text.isEmpty() ? said : message.text + QLatin1Char(' ') + said;
     m_texts.set(contactId, message);
@@ -313,38 +205,23 @@ int Composer::insertDictation(const QString& said, int cursor)
 
 void Composer::sendVoice()
 {
-    const QString path = showsVoice() ? m_voice.stop() : QString();
+    VoiceRecorder& note = *m_voice.note();
+    const QString path = m_voice.showsNote() ? note.stop() : QString();
     if (path.isEmpty())
         return;
-    const bool taken = sendThrough(m_replyPlatform,
+    const bool taken = sendThrough(m_routing.replyPlatform(),
         [&](const Account& account, const QString& chatId) { return m_engine.sendAudio(account, chatId, path); });
     if (taken)
-        m_voice.handedOver();
+        note.handedOver();
 }
 
-bool Composer::sendThrough(
-    const QString& platform, const std::function<bool(const Account& account, const QString& chatId)>& say)
+bool Composer::sendThrough(const QString& platform, const ReplyRouting::Say& say)
 {
-    if (m_contact.id.isEmpty())
-        return false;
-    const auto target = replyTarget(m_engine.db(), m_contact.id, platform);
-    if (!target) {
-        setSendError(u"No %1 conversation for this contact"_s.arg(channelLabel(platform)));
-        return false;
-    }
-    const auto account = m_accounts.findBySlug(target->account);
-    if (const auto reason = account ? obstacle(*account, m_engine.runtime(account->id).status) : std::nullopt) {
-        setSendError(*reason);
-        return false;
-    }
-    if (!account || !say(*account, target->chatId)) {
-        setSendError(u"Account %1 is not connected"_s.arg(target->account));
-        return false;
-    }
-    setSendError({});
-    rememberReplyPlatform(m_defaults, platform, m_contact);
-    Q_EMIT sent();
-    return true;
+    const Result<void> taken = m_routing.send(platform, say);
+    setSendError(taken ? QString() : taken.error().message);
+    if (taken)
+        Q_EMIT sent();
+    return taken.has_value();
 }
 
 void Composer::setSendError(const QString& error)

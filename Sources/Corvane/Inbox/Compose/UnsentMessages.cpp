@@ -110,11 +110,11 @@ QList<OutgoingFile> UnsentMessages::files() const
     return files;
 }
 
-std::optional<UnsentMessages::Message> UnsentMessages::find(const QString& id) const
+void UnsentMessages::retry(const QString& id)
 {
     const auto found = m_entries.find(id);
-    return found == m_entries.end() || found->second.reason.isEmpty() ? std::nullopt
-                                                                      : std::optional(found->second.message);
+    if (found != m_entries.end() && !found->second.reason.isEmpty())
+        Q_EMIT retried(id, Message(found->second.message));
 }
 
 void UnsentMessages::answer(const QString& id, SendFate fate, const QString& error)

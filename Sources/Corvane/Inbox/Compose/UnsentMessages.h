@@ -35,6 +35,7 @@ public:
 /// or discarded. Stored in a private file, like unfinished texts.
 class UnsentMessages : public QObject {
     Q_OBJECT
+    Q_PROPERTY(corvane::HoldingListModel* rows READ rows CONSTANT) ///< of UnsentMessageItem
 public:
     struct Message {
         QString contactId;
@@ -45,15 +46,19 @@ public:
     /// The references outlive the object.
     UnsentMessages(EngineManager& engine, Scheduler& scheduler, const QString& filePath);
 
-    RowListModel<UnsentMessageItem>& rows() { return m_rows; } ///< of the shown contact
+    HoldingListModel* rows() { return &m_rows; } ///< of the shown contact
     void show(const QString& contactId);
 
     /// A message is handed to the account's engine. The engine's answer refers to the id.
     QString begin(const Message& message, const Account& account);
     void forget(const QString& id); ///< not handed over, or being resent: does not delete its files
-    void discard(const QString& id); ///< sent, or no longer wanted: deletes its files
-    std::optional<Message> find(const QString& id) const; ///< a failed one
     QList<OutgoingFile> files() const; ///< of all
+
+    Q_INVOKABLE void retry(const QString& id); ///< a failed one
+    Q_INVOKABLE void discard(const QString& id); ///< sent, or no longer wanted: deletes its files
+
+Q_SIGNALS:
+    void retried(const QString& id, const corvane::UnsentMessages::Message& message); ///< send it, then forget it
 
 private:
     struct Entry {

@@ -78,8 +78,8 @@ Page {
     }
 
     function back() {
-        if (inbox.reply.composer.dictation.state !== "idle") {
-            inbox.reply.composer.dictation.cancel();
+        if (inbox.reply.composer.voice.dictation.state !== "idle") {
+            inbox.reply.composer.voice.dictation.cancel();
         } else if (narrow && contactAskedFor) {
             contactAskedFor = false;
             thread.forceActiveFocus(Qt.TabFocusReason);

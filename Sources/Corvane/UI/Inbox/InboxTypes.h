@@ -147,6 +147,27 @@ struct ComposerType {
     QML_UNCREATABLE("The program makes it.")
 };
 
+struct ReplyRoutingType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ReplyRouting)
+    QML_NAMED_ELEMENT(ReplyRouting)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct ComposerHintsType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ComposerHints)
+    QML_NAMED_ELEMENT(ComposerHints)
+    QML_UNCREATABLE("The program makes it.")
+};
+
+struct ComposerVoiceType {
+    Q_GADGET
+    QML_FOREIGN(corvane::ComposerVoice)
+    QML_NAMED_ELEMENT(ComposerVoice)
+    QML_UNCREATABLE("The program makes it.")
+};
+
 struct VoiceRecorderType {
     Q_GADGET
     QML_FOREIGN(corvane::VoiceRecorder)
@@ -250,6 +271,13 @@ struct MessageOfferType {
     Q_GADGET
     QML_FOREIGN(corvane::MessageOffer)
     QML_VALUE_TYPE(messageOffer)
+};
+
+struct UnsentMessagesType {
+    Q_GADGET
+    QML_FOREIGN(corvane::UnsentMessages)
+    QML_NAMED_ELEMENT(UnsentMessages)
+    QML_UNCREATABLE("The program makes it.")
 };
 
 struct UnsentMessageItemType {

@@ -7,13 +7,13 @@ import Corvane.Inbox
 Chip {
     id: chip
 
-    required property Composer composer
-    readonly property bool hasChoice: composer.replyPlatforms.length > 1
+    required property ReplyRouting routing
+    readonly property bool hasChoice: routing.platforms.length > 1
 
     objectName: "composer.channel"
     implicitHeight: Theme.control
-    mark: composer.replyPlatform
-    text: composer.replyPlatformLabel
+    mark: routing.replyPlatform
+    text: routing.label
     enabled: hasChoice
     chevron: hasChoice
     Accessible.role: Accessible.ButtonMenu
@@ -24,19 +24,19 @@ Chip {
         id: choices
         y: -height - Theme.tight
         onOpened: {
-            for (let i = 0; i < chip.composer.replyPlatforms.length; ++i) {
-                if (chip.composer.replyPlatforms[i].id === chip.composer.replyPlatform)
+            for (let i = 0; i < chip.routing.platforms.length; ++i) {
+                if (chip.routing.platforms[i].id === chip.routing.replyPlatform)
                     currentIndex = i;
             }
         }
         Instantiator {
-            model: chip.composer.replyPlatforms
+            model: chip.routing.platforms
             delegate: MenuItem {
                 required property choice modelData
                 text: modelData.label
                 checkable: true
-                checked: chip.composer.replyPlatform === modelData.id
-                onTriggered: chip.composer.replyPlatform = modelData.id
+                checked: chip.routing.replyPlatform === modelData.id
+                onTriggered: chip.routing.replyPlatform = modelData.id
             }
             onObjectAdded: (index, item) => choices.insertItem(index, item)
             onObjectRemoved: (index, item) => choices.removeItem(item)

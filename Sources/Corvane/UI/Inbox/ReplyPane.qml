@@ -8,7 +8,7 @@ FocusScope {
 
     required property InboxView inbox
     readonly property Composer composer: inbox.reply.composer ///< the view model
-    readonly property VoiceRecorder voice: composer.voice
+    readonly property ComposerVoice voice: composer.voice
 
     signal askLumo
 
@@ -31,6 +31,9 @@ FocusScope {
         function onFocusRequested() {
             pane.focusField();
         }
+    }
+    Connections {
+        target: pane.voice
         function onDictated(text: string) {
             const cursor = pane.composer.insertDictation(text, field.cursorPosition);
             field.forceActiveFocus(Qt.TabFocusReason);
@@ -50,7 +53,7 @@ FocusScope {
     DropArea {
         id: drop
         anchors.fill: parent
-        enabled: !pane.composer.showsVoice
+        enabled: !pane.voice.showsNote
         onEntered: drag => drag.accepted = drag.hasUrls || drag.hasText
         onDropped: drop => {
             if (drop.hasUrls && drop.urls.every(url => url.toString().startsWith("file:")))
@@ -78,7 +81,7 @@ FocusScope {
 
         UnsentList {
             width: parent.width
-            composer: pane.composer
+            unsent: pane.composer.unsent
         }
         Banner {
             objectName: "composer.error"
@@ -94,9 +97,9 @@ FocusScope {
             width: parent.width
             visible: text !== ""
             tone: "warn"
-            text: pane.voice.notice
+            text: pane.voice.note.notice
             dismissable: true
-            onDismissed: pane.voice.dismissNotice()
+            onDismissed: pane.voice.note.dismissNotice()
         }
         AttachmentList {
             width: parent.width
@@ -105,7 +108,7 @@ FocusScope {
         TextField {
             objectName: "composer.subject"
             width: parent.width
-            visible: pane.composer.takesSubject && !pane.composer.showsVoice
+            visible: pane.composer.routing.takesSubject && !pane.voice.showsNote
             placeholderText: qsTr("Subject (empty: as before)")
             Accessible.name: qsTr("Subject")
             text: pane.composer.subject
@@ -114,24 +117,24 @@ FocusScope {
         }
         VoiceNote {
             width: parent.width
-            visible: pane.composer.showsVoice
+            visible: pane.voice.showsNote
             composer: pane.composer
         }
         DictationBar {
             width: parent.width
-            visible: dictation.state !== "idle" && !pane.composer.showsVoice
-            dictation: pane.composer.dictation
+            visible: dictation.state !== "idle" && !pane.voice.showsNote
+            dictation: pane.voice.dictation
             onModelWanted: pane.inbox.person.openVoiceSettings()
         }
         Item {
             width: parent.width
             height: field.implicitHeight
-            visible: !pane.composer.showsVoice
+            visible: !pane.voice.showsNote
 
             ReplyChannel {
                 id: channel
                 anchors.bottom: parent.bottom
-                composer: pane.composer
+                routing: pane.composer.routing
             }
             TextBox {
                 id: field
@@ -142,14 +145,13 @@ FocusScope {
                 anchors.rightMargin: Theme.small
                 height: implicitHeight
                 focus: true
-                placeholderText: pane.composer.placeholder
-                returnSubmits: pane.composer.returnSends
+                placeholderText: pane.composer.hints.placeholder
+                returnSubmits: pane.composer.hints.returnSends
                 text: pane.composer.text
                 onTextChanged: pane.composer.text = text
                 onSubmitted: pane.composer.send()
                 pasteFiles: pane.composer.attachments.allowed
                 onFilesPasted: pane.composer.attachments.paste(WindowTools.clipboardFiles(), WindowTools.clipboardPicture())
-                onEditingChanged: pane.composer.editing = editing
             }
             Row {
                 id: tools
@@ -162,18 +164,18 @@ FocusScope {
                     property bool held ///< it listens until the button is let go
                     objectName: "composer.dictate"
                     icon.name: "dictate"
-                    text: pane.composer.dictation.active ? qsTr("Finish dictating")
+                    text: pane.voice.dictation.active ? qsTr("Finish dictating")
                         : qsTr("Dictate, or hold while speaking (Ctrl+Shift+D)")
-                    onClicked: pane.composer.dictate()
+                    onClicked: pane.voice.dictate()
                     onPressAndHold: {
-                        held = !pane.composer.dictation.active;
-                        pane.composer.dictate();
+                        held = !pane.voice.dictation.active;
+                        pane.voice.dictate();
                     }
                     onReleased: letGo()
                     onCanceled: letGo()
                     function letGo() {
                         if (held)
-                            pane.composer.dictation.letGo();
+                            pane.voice.dictation.letGo();
                         held = false;
                     }
                 }
@@ -181,7 +183,7 @@ FocusScope {
                     objectName: "composer.voice"
                     icon.name: "microphone"
                     text: qsTr("Record a voice note")
-                    onClicked: pane.composer.startVoice()
+                    onClicked: pane.voice.startNote()
                 }
                 AssistantMenu {
                     id: assistant
@@ -194,7 +196,7 @@ FocusScope {
                     enabled: pane.composer.canSend
                     icon.name: "mail-send"
                     text: qsTr("Send")
-                    hint: pane.composer.sendKeys
+                    hint: pane.composer.hints.sendKeys
                     onClicked: {
                         pane.composer.send();
                         pane.focusField();

@@ -6,7 +6,7 @@ import Corvane.Inbox
 Column {
     id: list
 
-    required property Composer composer ///< the view model
+    required property UnsentMessages unsent
 
     spacing: Theme.small
     visible: lines.count > 0
@@ -15,7 +15,7 @@ Column {
 
     Repeater {
         id: lines
-        model: list.composer.unsent
+        model: list.unsent.rows
         Rectangle {
             id: bubble
 
@@ -71,14 +71,14 @@ Column {
                         objectName: "unsent.retry"
                         text: qsTr("Retry")
                         Accessible.description: bubble.message.body
-                        onClicked: list.composer.retry(bubble.message.id)
+                        onClicked: list.unsent.retry(bubble.message.id)
                     }
                     Button {
                         objectName: "unsent.discard"
                         kind: "quiet"
                         text: qsTr("Discard")
                         Accessible.description: bubble.message.body
-                        onClicked: list.composer.discard(bubble.message.id)
+                        onClicked: list.unsent.discard(bubble.message.id)
                     }
                 }
             }

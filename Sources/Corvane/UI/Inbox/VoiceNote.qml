@@ -7,7 +7,7 @@ Item {
     id: note
 
     required property Composer composer
-    readonly property VoiceRecorder voice: composer.voice
+    readonly property VoiceRecorder voice: composer.voice.note
 
     implicitHeight: Theme.control
 
