@@ -126,32 +126,28 @@ TEST_F(Prep, aMeetingIsAnnouncedTenMinutesAheadWithItsBriefUntilItIsDismissedOrU
     store.refresh();
     ASSERT_TRUE(await([&] { return store.events().size() == 5; }));
 
-    m_clock.advance(seconds(49 * 60));
-    EXPECT_EQ(reminder.text(), u""_s);
+    const auto textAfter = [&](Milliseconds time) {
+        m_clock.advance(time);
+        return reminder.text();
+    };
+    EXPECT_EQ(textAfter(seconds(49 * 60)), u""_s);
     lumo.model.willAnswer(u"Who: Ana"_s);
-    m_clock.advance(seconds(90));
-    EXPECT_EQ(reminder.text(), u"Ready for the next meeting: Review, in 9m"_s)
+    EXPECT_EQ(textAfter(seconds(90)), u"Ready for the next meeting: Review, in 9m"_s)
         << "blocked time and hidden calendars do not count";
     EXPECT_EQ(lumo.model.asked.size(), 1);
-    m_clock.advance(seconds(14 * 60));
-    EXPECT_EQ(reminder.text(), u"Ready for the next meeting: Review, started"_s);
-    m_clock.advance(seconds(60));
-    EXPECT_EQ(reminder.text(), u""_s) << "five minutes after its start";
+    EXPECT_EQ(textAfter(seconds(14 * 60)), u"Ready for the next meeting: Review, started"_s);
+    EXPECT_EQ(textAfter(seconds(60)), u""_s) << "five minutes after its start";
 
     lumo.model.willAnswer(u"Who: Ana"_s);
     m_clock.setNowMs(at("2026-10-08 10:59"));
-    m_clock.advance(seconds(60));
-    EXPECT_EQ(reminder.text(), u"Ready for the next meeting: Brief, now"_s);
-    m_clock.advance(seconds(120));
-    EXPECT_EQ(reminder.text(), u""_s) << "it has ended";
+    EXPECT_EQ(textAfter(seconds(60)), u"Ready for the next meeting: Brief, now"_s);
+    EXPECT_EQ(textAfter(seconds(120)), u""_s) << "it has ended";
     lumo.model.willAnswer(u"Who: Ana"_s);
     m_clock.setNowMs(at("2026-10-08 11:59"));
-    m_clock.advance(seconds(60));
-    EXPECT_NE(reminder.text(), u""_s);
+    EXPECT_NE(textAfter(seconds(60)), u""_s);
     reminder.dismiss();
     EXPECT_EQ(reminder.text(), u""_s);
-    m_clock.advance(seconds(30));
-    EXPECT_EQ(reminder.text(), u""_s) << "a dismissed one does not come back";
+    EXPECT_EQ(textAfter(seconds(30)), u""_s) << "a dismissed one does not come back";
 }
 
 TEST_F(Prep, withNobodyToAnswerTheRawBriefStandsAndNothingIsProposed)
