@@ -85,6 +85,18 @@ test("a server that refuses or throttles for a while is asked again and keeps th
   assert.ok(said.some(({ msg }) => /Slow down/.test(String(msg))) && !said.some(({ state }) => state === "logged_out"));
 });
 
+test("what a refused search would have found is told later", async () => {
+  const { put, spoiled, start } = await openSpoiled();
+  await put("One");
+  let refused = 0;
+  spoiled.answered = (command) =>
+    /^\S+ UID SEARCH UID 1:1/.test(command) && ++refused === 1 ? `${command.split(" ")[0]} NO [LIMIT] Slow down\r\n` : undefined;
+  const engine = start();
+  await engine.until((events) => withSubject(events, "One").length > 0);
+  assert.ok(refused >= 2);
+  await engine.end();
+});
+
 test("servers that cannot be looked up at first are looked up again, and a draft waits for them", async () => {
   const { start } = openPost();
   let asked = 0;

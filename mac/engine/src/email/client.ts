@@ -1,6 +1,6 @@
 // A signed-in IMAP connection, always over verified TLS.
 
-import { ImapFlow, type ImapFlowError } from "imapflow";
+import { ImapFlow, type ImapFlowError, type SearchObject } from "imapflow";
 import { stopping } from "../lib/run.ts";
 import { SignInRefused } from "../lib/stay.ts";
 import { credentials, NoToken, type Server, type Settings } from "./settings.ts";
@@ -47,6 +47,19 @@ const lastErrors = new WeakMap<ImapFlow, ImapFlowError>();
 export function isUnreadable(client: ImapFlow, error: unknown): boolean {
   const codes = [error as ImapFlowError, lastErrors.get(client)].map((known) => known?.code ?? "");
   return codes.some((code) => /TooLarge|ParserError|NESTING|Processing|UnexpectedTag|InvalidResponse/.test(code));
+}
+
+/** Throws if the connection has ended: the library then finds nothing, as if the folder was empty. */
+export function assertOpen(client: ImapFlow): void {
+  if (!client.usable) throw new Error("The connection ended.", { cause: lastErrors.get(client) });
+}
+
+/** The UIDs of the mails in the open folder that match. */
+export async function searchUids(client: ImapFlow, query: SearchObject): Promise<number[]> {
+  const found = await client.search(query, { uid: true });
+  assertOpen(client);
+  if (!found) throw new Error("The server refused a search.");
+  return found;
 }
 
 const passing = new Set(["UNAVAILABLE", "INUSE", "LIMIT", "SERVERBUG"]);

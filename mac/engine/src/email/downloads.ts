@@ -2,6 +2,7 @@
 
 import type { ImapFlow } from "imapflow";
 import { reportDownload, type FetchedFile, type Save } from "../lib/files.ts";
+import { assertOpen, searchUids } from "./client.ts";
 import { partsOf } from "./parts.ts";
 import type { MailPlace, MailStore } from "./store.ts";
 
@@ -37,6 +38,7 @@ async function fetchFile(
       lock.release();
     }
   }
+  assertOpen(client);
   throw new Error("The mail is no longer on the server.");
 }
 
@@ -55,7 +57,7 @@ async function* candidates(client: ImapFlow, store: MailStore, place: MailPlace)
 export async function uidsOf(client: ImapFlow, path: string, messageId: string): Promise<number[]> {
   const lock = await client.getMailboxLock(path);
   try {
-    return (await client.search({ header: { "message-id": messageId } }, { uid: true })) || [];
+    return await searchUids(client, { header: { "message-id": messageId } });
   } finally {
     lock.release();
   }

@@ -1,6 +1,7 @@
 // Reads mails a page at a time: first the structure, then only the text parts, never files.
 
 import type { FetchMessageObject, ImapFlow, MessageEnvelopeObject, MessageStructureObject } from "imapflow";
+import { assertOpen, searchUids } from "./client.ts";
 import { partsOf, type FilePart, type Parts, type TextPart } from "./parts.ts";
 import { bodyOf, textOfPart } from "./text.ts";
 
@@ -35,13 +36,14 @@ const forms = [{ ...described, bodyStructure: true }, described, known];
 
 /** The mails with these UIDs, in any order, including those that cannot be described. */
 export async function fetchHeaders(client: ImapFlow, uids: string, from = 0): Promise<Header[]> {
-  const missing = new Set((await client.search({ uid: uids }, { uid: true })) || []);
+  const missing = new Set(await searchUids(client, { uid: uids }));
   const headers: Header[] = [];
   for (const form of forms.slice(from)) {
     if (missing.size === 0) break;
     for await (const message of client.fetch([...missing].join(","), form, { uid: true })) {
       if (missing.delete(message.uid)) headers.push(headerOf(message));
     }
+    assertOpen(client);
   }
   return headers;
 }
@@ -95,6 +97,7 @@ async function* fetchGroup(
     wanted.delete(uid);
     yield { header: mail.header, content: contentOf(mail.parts, found) };
   }
+  assertOpen(client);
   // Mails that are gone by now have only their header.
   for (const { header, parts } of wanted.values()) yield { header, content: { body: "", files: parts.files } };
 }
@@ -108,6 +111,7 @@ function contentOf({ texts, files }: Parts, found: Map<string, Buffer>): Content
 async function withoutText(client: ImapFlow, { uid, structure, envelope }: Header, { files }: Parts): Promise<Content> {
   if (structure || envelope === unreadable) return { body: "", files };
   const message = await client.fetchOne(String(uid), { source: { start: 0, maxLength: mostOfSource } }, { uid: true });
+  assertOpen(client);
   const source = message ? message.source : undefined;
   if (!source) return { body: "", files: [] };
   const { simpleParser } = await import("mailparser"); // 10 MB that few mailboxes need

@@ -2,6 +2,7 @@
 
 import type { ImapFlow } from "imapflow";
 import { emit } from "../lib/wire.ts";
+import { assertOpen } from "./client.ts";
 import type { Folder, MailStore } from "./store.ts";
 
 /** Mails of the open folder that were read elsewhere or are gone no longer count as unread. */
@@ -17,6 +18,7 @@ export async function compareRead(client: ImapFlow, store: MailStore, folder: Fo
     for await (const { uid, flags } of client.fetch(uids, { uid: true, flags: true }, { uid: true })) {
       if (!flags?.has("\\Seen")) still.add(uid);
     }
+    assertOpen(client);
     await forget(store, some.filter(({ uid }) => !still.has(uid)));
   }
   if (modseq) store.keepModseq(folder, modseq);
@@ -45,6 +47,7 @@ export async function markRead(client: ImapFlow, store: MailStore, chat: string)
       if (client.mailbox && String(client.mailbox.uidValidity) !== folder.validity) continue;
       const uids = mails.filter((mail) => mail.folder === id).map(({ uid }) => uid);
       await client.messageFlagsAdd(uids.join(","), ["\\Seen"], { uid: true, silent: true });
+      assertOpen(client);
     } finally {
       lock.release();
     }
