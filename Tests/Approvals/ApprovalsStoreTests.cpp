@@ -338,7 +338,8 @@ TEST_F(ApprovalsTest, anEventThatAnAgentWantsIsAddedOrRejectedAndWhyTheCalendarR
 {
     FakeCalendarSource source;
     source.set({ { { u"work"_s, u"Work"_s, {}, {}, true } }, {}, {} });
-    CalendarStore calendar({ db(), source, world.background, world.clock, world.defaults, world.centre, {} });
+    BackgroundQueue reading; // ends before its source
+    CalendarStore calendar({ db(), source, reading, world.clock, world.defaults, world.centre, {} });
     CalendarCommands events(calendar);
     events.setAgentsMayAdd(false);
     calendar.requestAccess();

@@ -62,6 +62,7 @@ TEST_F(VoiceSettingsTest, aDownloadThatBrokeOffGoesOnAndItsModelIsUsed)
     EXPECT_EQ(line.name, "Whisper Tiny");
     EXPECT_TRUE(line.preferred && line.removable);
     EXPECT_EQ(line.detail, "8 MB · 99 languages · ggml-tiny.bin");
+    EXPECT_EQ(view.stateText(), "Speech becomes text on this computer. No sound leaves it.");
 
     view.setLocale("de");
     EXPECT_EQ(view.localeText(), "German");
@@ -70,6 +71,7 @@ TEST_F(VoiceSettingsTest, aDownloadThatBrokeOffGoesOnAndItsModelIsUsed)
     EXPECT_EQ(view.localeHint(), "The chosen recogniser does not understand German.");
     view.remove(line.id);
     EXPECT_EQ(view.models().size(), 1);
+    EXPECT_EQ(view.stateText(), "A speech model is needed before voice notes and dictation become text.");
     EXPECT_FALSE(QFile::exists(voice.services.store.modelsRoot() + "/ggml-tiny.bin"));
 }
 
