@@ -151,4 +151,200 @@ TEST_F(Hubs, opsCountsGatesAndOrders)
     EXPECT_FALSE(hub.projects()->tabRows().first().live);
 }
 
+TEST_F(Hubs, aPersonInTheQueueIsReadWithTheirWork)
+{
+    person("ana", "Ana");
+    says("ana", "OUT", 5000);
+    says("ana", "IN", 24 * 60 + 1);
+    says("ana", "IN", 10);
+    m_db->exec("UPDATE unified_message SET body='', media_type='image' WHERE rowid=3;"
+               "UPDATE unified_message SET body='' WHERE rowid=2;");
+    person("ben", "");
+    says("ben", "IN", 24 * 60 - 1);
+    person("bot", "Kiln", u"kiln_bot"_s);
+    m_db->exec(
+        "UPDATE unified_conversation SET channel='TELEGRAM' WHERE id='cbot';"
+        "INSERT INTO contact_identity(id, contact_id, channel, handle) VALUES('i','bot','TELEGRAM','kiln_Bot');");
+    says("bot", "IN", 30);
+    person("talker", "Talker");
+    for (int minute = 1; minute <= 29; ++minute)
+        says("talker", "IN", minute);
+    const WorkContextRow client = context(u"ANA"_s, u"cx"_s);
+    item(client.id, u"Glaze chips"_s, u"open"_s, u"bug"_s, u"cx"_s);
+    item(client.id, u"Hand over"_s, u"open"_s, u"handoff"_s, u"cx"_s);
+    item(client.id, u"Visit"_s, u"open"_s, u"task"_s, u"cx"_s);
+    CXHub hub(services);
+    hub.shell()->setShown(true);
+    EXPECT_EQ(hub.queueText(), "3 people wait · 1 for more than a day · 1 automatic sender left out");
+    EXPECT_EQ(hub.shell()->rail()->places().first().count, 3);
+    EXPECT_EQ(hub.name() + ": " + hub.facts(), "Ana: wrote 24 hours ago · 3 open · 1 ticket");
+    QStringList thread;
+    for (const QueueMessage& each : static_cast<RowListModel<QueueMessage>*>(hub.thread())->rows())
+        thread.append((each.mine ? "me: " : "") + each.body);
+    EXPECT_EQ(thread, (QStringList { "me: hi", "(empty)", "(image)" }));
+    EXPECT_EQ(hub.items()->rowCount(), 3);
+    hub.newTicket();
+    EXPECT_EQ(hub.shell()->rail()->selectedContextId(), client.id);
+    EXPECT_EQ(
+        hub.shell()->create()->field(u"kind"_s).text() + hub.shell()->create()->field(u"title"_s).text(), "ticket");
+    const auto shown = [&](const QString& tab) {
+        hub.shell()->setTab(tab);
+        QStringList titles;
+        for (const WorkItemSeed& each : hub.shell()->board()->lane(0)->rows())
+            titles.append(each.title);
+        titles.sort();
+        return titles.join(',');
+    };
+    EXPECT_EQ(shown(u"tickets"_s) + '|' + shown(u"handoffs"_s) + '|' + shown(u"projects"_s),
+        "Glaze chips|Hand over|Hand over,Visit");
+    EXPECT_EQ(hub.shell()->tasks()->rowCount(), 2);
+    hub.step(1);
+    EXPECT_EQ(hub.name() + ": " + hub.itemsText(), "Unknown: No open work about this person.");
+    hub.step(9);
+    EXPECT_EQ(hub.name(), "Talker") << "29 messages are a person's";
+    says("talker", "OUT", 0);
+    hub.shell()->refresh();
+    EXPECT_EQ(hub.name(), "Ana") << "who was answered waits no more";
+}
+
+TEST_F(Hubs, whatThePipelineIsWorthWhatWentQuietAndWhatWasNotSaved)
+{
+    person("ana", "Ana");
+    person("ben", "Ben");
+    says("ana", "OUT", 14 * 24 * 60);
+    GTMHub hub(services);
+    hub.shell()->setShown(true);
+    EXPECT_EQ(hub.emptyTitle(), "No deals yet");
+    const QString plates = *insertCRMDeal(*m_db, "ana", { "Plates", "Proposal", "€1.8k", "Taller", {} });
+    insertCRMDeal(*m_db, "ana", { "Bowls", "Closed Won", "€200", "", {} });
+    insertCRMDeal(*m_db, "ben", { "Cups", "Closed Lost", "€5", "", {} });
+    item({}, u"Call"_s, u"open"_s, u"task"_s, u"gtm"_s);
+    const auto metrics = [&] {
+        hub.shell()->refresh();
+        QStringList values;
+        for (const WorkMetricSeed& each : hub.metrics())
+            values.append(each.value);
+        return values.join('|');
+    };
+    EXPECT_EQ(metrics(), "€1,800|€200|0|1") << "fourteen days are not quiet yet, and a closed deal never is";
+    EXPECT_EQ(hub.emptyTitle(), "");
+    EXPECT_EQ(hub.stage(2)->rows().first().person + ": " + hub.stage(2)->rows().first().touched,
+        "Ana · Taller: last message 14 days ago");
+    EXPECT_EQ(hub.stage(5)->rows().first().touched, "no message yet");
+    m_clock.advance(Milliseconds(60'000));
+    EXPECT_EQ(metrics(), "€1,800|€200|1|1");
+    QString opened;
+    const auto observation
+        = m_centre.observe(notifications::openConversation, [&](const Notification& told) { opened = *told.object; });
+    hub.openPerson({});
+    EXPECT_EQ(opened, "");
+    hub.openPerson(u"ana"_s);
+    EXPECT_EQ(opened, "ana");
+    hub.moveDealBy(plates, 1);
+    EXPECT_EQ(hub.undoText(), "Moved to Negotiation: Plates");
+    m_db->exec("UPDATE crm_deal SET stage='Closed Won' WHERE name='Plates';");
+    hub.shell()->refresh();
+    hub.undo();
+    EXPECT_EQ(cell("SELECT stage FROM crm_deal WHERE name='Plates';"), "Closed Won") << "whoever moved it on meant it";
+    hub.moveDealBy(plates, 99);
+    EXPECT_EQ(cell("SELECT stage FROM crm_deal WHERE name='Plates';"), hub.stage(hub.stageCount() - 1)->stage());
+    m_db->exec("CREATE TRIGGER full BEFORE UPDATE ON crm_deal BEGIN SELECT RAISE(ABORT,'full'); END;");
+    hub.moveDealBy(plates, -1);
+    EXPECT_EQ(hub.error(), "It could not be moved: the change was not saved.");
+}
+
+TEST_F(Hubs, aProjectShowsWhatItsAgentsReportAskAndWereOrdered)
+{
+    m_db->run(
+        "INSERT INTO project(id, slug, name, category, status, repo_path, exec_host, updated_at) "
+        "VALUES('p','shop','Shop','Web','paused','~/shop','Local','1'), ('q','kiln','','','active','','box','0');");
+    m_db->run("INSERT INTO tab(id, current_project_id, name, heartbeat_at, created_at) "
+              "VALUES('t','p','worker',?,'2'), ('u','p','tester','','1');",
+        { isoTime(m_clock.nowMs()) });
+    OpsHub hub(services);
+    hub.shell()->setShown(true);
+    hub.showProject(u"p"_s);
+    OpsProjects& projects = *hub.projects();
+    EXPECT_EQ(projects.rows().at(0).group + '|' + projects.rows().at(0).facts, "Web|Web · priority 3 · paused");
+    EXPECT_EQ(projects.rows().at(1).group + '|' + projects.rows().at(1).name + '|' + projects.rows().at(1).facts,
+        "Other|kiln|priority 3");
+    EXPECT_TRUE(projects.rows().at(0).aloud.startsWith("Shop, 1 live terminal, 1 down, 0 open questions"));
+    EXPECT_EQ(projects.facts(), "~/shop · this computer");
+    ASSERT_EQ(projects.tabRows().size(), 2);
+    EXPECT_EQ(projects.tabRows().at(0).state + '|' + projects.tabRows().at(1).state,
+        "Live · last seen just now|Down · never seen");
+    EXPECT_FALSE(projects.order(u" "_s));
+    projects.setOrderTab(u"u"_s);
+    EXPECT_TRUE(projects.order(u"Fire it"_s));
+    EXPECT_EQ(projects.orderTabName(), "tester") << "the choice stays";
+    const OpsLine order = static_cast<RowListModel<OpsLine>*>(projects.orders())->rows().first();
+    EXPECT_EQ(order.title + '|' + order.detail.section(" · ", 0, 0) + '|' + order.status,
+        "Fire it|to tester|Waiting for its agent");
+    const auto ask = createOpsAsk(*m_db, { .projectSlug = "shop", .question = "Stop?", .urgency = "high" });
+    hub.showAsk(ask->id);
+    EXPECT_EQ(hub.shell()->rail()->place() + '|' + hub.asks()->answering(), "asks|Stop?");
+    hub.shell()->refresh();
+    EXPECT_TRUE(hub.asks()->rows().first().aloud.startsWith("Urgent question, Stop?, shop"));
+    hub.asks()->setAnswerText(u"Yes"_s);
+    m_db->exec("CREATE TRIGGER full BEFORE UPDATE ON ask BEGIN SELECT RAISE(ABORT,'full'); END;");
+    hub.asks()->saveAnswer();
+    EXPECT_EQ(hub.asks()->error().section(':', 0, 0) + hub.asks()->answerText(), "It was not savedYes");
+    m_db->exec("DROP TRIGGER full;");
+    hub.asks()->saveAnswer();
+    EXPECT_EQ(hub.urgent(), 0);
+    EXPECT_EQ(hub.shell()->rail()->places().at(2).count, 0);
+    hub.asks()->setIncludeAnswered(true);
+    EXPECT_EQ(hub.asks()->rows().last().answer, "Oskel: Yes");
+    hub.asks()->beginAnswer(ask->id);
+    EXPECT_EQ(hub.asks()->answerText(), "Yes");
+    lumo.model.willFail("no model");
+    hub.asks()->answerWithLumo();
+    EXPECT_EQ(hub.asks()->error(), "Ask saved; LumoAI could not answer: no model");
+    lumo.model.willAnswer("No.");
+    hub.asks()->answerWithLumo();
+    EXPECT_EQ(hub.asks()->answering() + hub.asks()->rows().last().answer, "LumoAI: No.") << "and the sheet is closed";
+    hub.showProject(u"q"_s);
+    EXPECT_EQ(projects.title() + projects.orderTabName() + projects.facts(), "kilnbox");
+}
+
+TEST_F(Hubs, homeTellsDecisionsFirstAndFinanceCountsItsOwn)
+{
+    const WorkContextRow pay = context(u"Payroll run"_s);
+    const WorkContextRow kiln = context(u"Kiln"_s);
+    for (const WorkContextRow* each : { &pay, &kiln })
+        insertWorkEvidence(*m_db, { "ops", each->id, {}, "note", "Bill of " + each->title, "ui", "", "" });
+    insertWorkMessage(*m_db, { "ops", kiln.id, "Ana", "assistant", "message", "Hot" });
+    insertWorkDecision(*m_db, { "ops", pay.id, "Pay Ana", "", "", "money" });
+    insertWorkDecision(*m_db, { "ops", kiln.id, "Fire", "", "", "high" });
+    insertWorkDecision(*m_db, { "cx", {}, "Refund", "", "", "money" });
+    item(pay.id, u"Payment to Ana"_s);
+    item(pay.id, u"Invoice of May"_s, u"done"_s);
+    OpsHub hub(services);
+    hub.shell()->setShown(true);
+    QStringList latest;
+    for (const OpsTimelineEvent& each : static_cast<RowListModel<OpsTimelineEvent>*>(hub.latest())->rows())
+        latest.append(each.label);
+    EXPECT_EQ(latest.join(','), "decision,decision,evidence,evidence,message");
+    hub.shell()->rail()->setPlace(u"finance"_s);
+    OpsFinance& finance = *hub.finance();
+    QStringList metrics;
+    for (const WorkMetricSeed& each : finance.metrics())
+        metrics.append(each.label + ' ' + each.value);
+    EXPECT_EQ(metrics.join(", "), "Finance contexts 1, Open work 1, Pending approvals 1, Evidence 1");
+    EXPECT_EQ(finance.rows().size(), 2) << "what is finished, too";
+    finance.setQuery(u" INVOICE "_s);
+    ASSERT_EQ(finance.rows().size(), 1);
+    EXPECT_EQ(finance.emptyText(), "");
+    EXPECT_EQ(finance.metrics().at(1).value, "1") << "the search narrows the list, not the figures";
+    m_db->exec("DROP TABLE work_decision;");
+    finance.gate();
+    EXPECT_TRUE(finance.notice().startsWith("The decision was not saved"));
+    finance.dismissNotice();
+    EXPECT_EQ(finance.notice(), "");
+    LumoHub lumoHub(services);
+    m_db->exec("DROP TABLE work_memory;");
+    EXPECT_FALSE(lumoHub.propose(u"Lost?"_s));
+    EXPECT_EQ(lumoHub.error(), "It was not saved: the database could not be written.");
+}
+
 }

@@ -1,5 +1,6 @@
 #include "Foundation/Literals.h"
 #include "Store/Core/StoreWatch.h"
+#include "Support/Environment.h"
 #include "Work/OpsHub.h"
 #include "WorkTest.h"
 
@@ -287,6 +288,201 @@ TEST_F(WorkShell, anAgentIsPreparedAndItsSilenceIsSeen)
     agents.reload();
     EXPECT_EQ(agents.rows().first().heartbeat, "never seen");
     EXPECT_EQ(agents.silent(), 1);
+}
+
+TEST_F(WorkShell, aFormSaysWhatItMakesWhereAndWhatItsRiskIs)
+{
+    const WorkContextRow may = context(u"May"_s);
+    shell.setShown(true);
+    WorkCreate& create = *shell.create();
+    create.begin(u"poem"_s);
+    EXPECT_FALSE(create.isOpen());
+    create.begin(u"item"_s);
+    EXPECT_EQ(
+        create.title() + '|' + create.hint() + '|' + create.priorityLabel(), "Create Work Item|In no process|Priority");
+    create.submit();
+    EXPECT_EQ(create.message() + '|' + create.messageKind(), "Title is required.|bad");
+    const QString waits = u": a decision will wait for you in Approvals."_s;
+    for (const auto& [title, risk] :
+        { std::pair("Pay the clay", "This involves money"), std::pair("Send it", "This goes to somebody outside"),
+            std::pair("Show the token", "This involves secrets"), std::pair("Delete it", "This cannot be undone"),
+            std::pair("Tidy", "") }) {
+        create.field(u"title"_s).type(QString::fromLatin1(title));
+        EXPECT_EQ(create.message(), *risk ? risk + waits : QString()) << title;
+        EXPECT_EQ(create.messageKind(), "warn");
+    }
+    create.setPriority(u"high"_s);
+    create.field(u"owner"_s).type(u" Luis "_s);
+    create.submit();
+    EXPECT_FALSE(create.isOpen());
+    create.submit();
+    EXPECT_EQ(table("SELECT title, priority, owner, source FROM work_item;"), QStringList("Tidy|high|Luis|ops-home"))
+        << "a form that is closed makes nothing";
+
+    rail.select(may.id);
+    create.begin(u"ask"_s, {}, u"Which clay?"_s);
+    EXPECT_EQ(create.title() + '|' + create.hint() + '|' + create.priorityLabel() + '|' + create.message(),
+        "Create Ask|In May|Urgency|")
+        << "a question has no risk";
+    create.setPriority(u"low"_s);
+    create.setToLumo(false);
+    create.submit();
+    EXPECT_TRUE(lumo.model.asked.isEmpty()) << "it is for people";
+    lumo.model.willAnswer("The red one.");
+    create.begin(u"ask"_s, {}, u"Which glaze?"_s);
+    create.submit();
+    EXPECT_EQ(table("SELECT question, urgency, status, answer FROM ask ORDER BY rowid;"),
+        (QStringList { "Which clay?|low|open|-", "Which glaze?|normal|answered|The red one." }));
+    create.begin(u"note"_s, {}, u"Seen"_s);
+    EXPECT_EQ(create.title() + create.priorityLabel(), "Create Note");
+    create.close();
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM work_evidence;"), "0");
+}
+
+TEST_F(WorkShell, aDecisionSaysItsRiskAndAsksWhereItCannotBeTakenBack)
+{
+    const WorkContextRow may = context(u"May"_s);
+    for (const char* risk : { "money", "credential", "high", "external", "odd" })
+        insertWorkDecision(*m_db, { "ops", may.id, QString::fromLatin1(risk), "", "Why", QString::fromLatin1(risk) });
+    insertWorkMemory(*m_db, { "ops", may.id, "fact", "Rent is due on Mondays", "agent", "medium", "Ana" });
+    shell.setShown(true);
+    rail.select(may.id);
+    WorkDecisions& decisions = *shell.decisions();
+    QStringList said;
+    for (const WorkDecisionSeed& seed : decisions.decisionRows())
+        said.append(seed.title + ": " + seed.risk + (seed.question.isEmpty() ? "" : " ?"));
+    said.sort();
+    EXPECT_EQ(said,
+        (QStringList { "credential: Credentials ?", "external: Goes outside", "high: Cannot be undone ?",
+            "money: Money ?", "odd: odd" }));
+    EXPECT_EQ(decisions.decisionRows().first().proposal, "Decision needs review.");
+    EXPECT_EQ(decisions.decisionRows().first().status, "Waits for you");
+    EXPECT_EQ(decisions.memoryRows().first().facts.section(" · ", 0, 2), "ops · fact · from agent");
+    const auto approvals = [&] {
+        const QList<TabItem> tabs = shell.tabs();
+        return std::ranges::find(tabs, u"approvals"_s, &TabItem::id)->count;
+    };
+    EXPECT_EQ(approvals(), 6);
+    EXPECT_TRUE(rail.contextRows().first().aloud.contains("5 decisions wait"));
+    decisions.decideMemory(decisions.memoryRows().first().id, true);
+    EXPECT_EQ(cell("SELECT status || owner FROM work_memory;"), "approvedOskel");
+    EXPECT_EQ(decisions.memoryRows().first().status, "Approved");
+    EXPECT_EQ(approvals(), 5);
+    const QString id = cell("SELECT id FROM work_decision WHERE title='money';");
+    m_db->exec("UPDATE work_decision SET proposal='Pay twice' WHERE title='money';");
+    decisions.decide(id, true);
+    EXPECT_TRUE(decisions.error().startsWith("It was not decided:"));
+    EXPECT_EQ(cell("SELECT status FROM work_decision WHERE title='money';"), "proposed");
+    decisions.decide(id, false);
+    EXPECT_EQ(decisions.error() + cell("SELECT status || decided_by FROM work_decision WHERE title='money';"),
+        "rejectedOskel");
+    const QList<WorkDecisionSeed>& rows = decisions.decisionRows();
+    const auto decided = std::ranges::find(rows, id, &WorkDecisionSeed::id);
+    EXPECT_EQ(decided->status + decided->facts.section(" · ", 0, 1), "RejectedMoney · by Oskel");
+}
+
+TEST_F(WorkShell, anItemIsReadAndDoneInItsSheetAndNamedByItsSources)
+{
+    const WorkContextRow may = context(u"May"_s);
+    const QString id = item(may.id, u"Count the tiles"_s);
+    m_db->exec("UPDATE work_item SET priority='someday';");
+    shell.setShown(true);
+    shell.show(may.id, {}, u"approvals"_s);
+    EXPECT_EQ(shell.tab() + shell.item()->itemId(), "approvals");
+    shell.openSource("item:" + id);
+    WorkItemSheet& sheet = *shell.item();
+    EXPECT_EQ(sheet.title() + '|' + sheet.lane(), "Count the tiles|Open");
+    EXPECT_EQ(sheet.priorities(), (QStringList { "high", "someday", "normal", "low" })) << "its own stays a choice";
+    EXPECT_EQ(sheet.facts().section(" · ", 0, 0), "from ui");
+    EXPECT_TRUE(sheet.facts().contains(" · changed "));
+    EXPECT_EQ(sheet.eventsText(), "No evidence, decisions or messages about this item yet.");
+    insertWorkEvidence(*m_db, { "ops", may.id, id, "note", "Forty", "ui", "", "" });
+    shell.refresh();
+    EXPECT_EQ(sheet.events()->rowCount(), 1);
+    EXPECT_EQ(sheet.eventsText(), "");
+    m_db->exec("CREATE TRIGGER full BEFORE UPDATE ON work_item BEGIN SELECT RAISE(ABORT,'full'); END;");
+    sheet.markDone();
+    EXPECT_TRUE(sheet.notice().startsWith("It was not saved"));
+    EXPECT_FALSE(sheet.done());
+    m_db->exec("DROP TRIGGER full;");
+    sheet.markDone();
+    EXPECT_TRUE(sheet.done());
+    EXPECT_EQ(sheet.notice() + sheet.lane(), "Done");
+    EXPECT_EQ(messages().last(), "status|Marked work item done locally: Count the tiles.");
+    m_db->exec("UPDATE work_item SET status='lost_in_post';");
+    sheet.reload();
+    EXPECT_EQ(sheet.lane(), "lost_in_post");
+    shell.openSource(u"evidence:1"_s);
+    EXPECT_EQ(shell.tab(), "evidence");
+    rail.setPlace(u"home"_s);
+    EXPECT_EQ(sheet.itemId(), "") << "another place closes it";
+}
+
+TEST_F(WorkShell, aContextIsFoundSteppedToExportedAndQueued)
+{
+    const WorkContextRow kiln = context(u"Kiln"_s);
+    const WorkContextRow rent = *upsertWorkContext(*m_db, { "ops", "workspace", "rent", "Rent", "For the studio", {} });
+    upsertWorkAgent(*m_db, { "ops", kiln.id, "Ops Agent", "codex", "ops", "running", "Heat", "s" });
+    shell.setShown(true);
+    rail.setPlace(u"nowhere"_s);
+    EXPECT_EQ(rail.place(), "home");
+    const auto& rows = rail.contextRows();
+    ASSERT_EQ(rows.size(), 2);
+    const auto row = std::ranges::find(rows, kiln.id, &WorkContextSeed::id);
+    EXPECT_TRUE(row->live);
+    EXPECT_TRUE(row->aloud.contains("an agent is working"));
+    rail.step(1);
+    EXPECT_EQ(rail.selectedContextId(), rows.first().id) << "the first where none was";
+    rail.step(1);
+    rail.step(1);
+    EXPECT_EQ(rail.selectedContextId(), rows.last().id) << "no further than the last";
+    EXPECT_EQ(rail.place(), "");
+    rail.setQuery(u"STUDIO"_s);
+    ASSERT_EQ(rail.contextRows().size(), 1);
+    EXPECT_EQ(rail.contextRows().first().subtitle, "For the studio");
+    rail.setQuery(u"none"_s);
+    EXPECT_EQ(rail.contextsEmpty(), "Nothing found");
+    EXPECT_NE(rail.selectedContextId(), "") << "a search takes no selection away";
+    rail.select(rent.id);
+    const Environment home({ { "HOME", m_home.paths().home.toUtf8() } });
+    shell.exportContext();
+    EXPECT_EQ(shell.notice(), "Saved to " + m_home.paths().home + "/Downloads/Rent.md");
+    shell.dismissNotice();
+    EXPECT_EQ(shell.notice(), "");
+    EXPECT_FALSE(shell.queueDraft(u" "_s));
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM work_item;"), "0");
+    EXPECT_TRUE(shell.queueDraft(u"Dear Ana"_s));
+    EXPECT_EQ(table("SELECT kind, title, summary, context_id FROM work_item;"),
+        QStringList("reply|Reply for Rent|Dear Ana|" + rent.id));
+    EXPECT_EQ(cell("SELECT risk FROM work_decision;"), "external");
+}
+
+TEST_F(WorkShell, aTerminalIsShownAndFoldedByItsTab)
+{
+    WorkShells& shells = *shell.shells();
+    const QSignalSpy changed(&shells, &WorkShells::changed);
+    const QSignalSpy brought(&shells, &WorkShells::brought);
+    shells.setOpen(true);
+    EXPECT_FALSE(shells.isOpen()) << "there is none";
+    shell.agents()->createLocalShell();
+    const QString first = shells.view()->current()->id();
+    EXPECT_TRUE(shells.isOpen());
+    shells.pick(first);
+    EXPECT_FALSE(shells.isOpen()) << "the one in front is folded";
+    EXPECT_EQ(brought.size(), 1);
+    shells.pick(first);
+    EXPECT_TRUE(shells.isOpen());
+    shell.agents()->createLocalShell();
+    shells.pick(first);
+    EXPECT_TRUE(shells.isOpen()) << "another one comes to the front";
+    EXPECT_EQ(shells.view()->current()->id(), first);
+    EXPECT_EQ(brought.size(), 4);
+    shells.setOpen(false);
+    const qsizetype before = changed.size();
+    shells.view()->select(shells.view()->localSessions().back()->id());
+    EXPECT_GT(changed.size(), before) << "the tabs tell of another choice";
+    shells.view()->question()->askToClose(*shells.view()->current(), u"make"_s);
+    EXPECT_TRUE(shells.isOpen()) << "whoever is asked sees what about";
 }
 
 TEST_F(WorkShell, hostileAndHugeRowsDisturbNothing)
