@@ -153,4 +153,78 @@ TEST_F(Projects, requirementsAreSeededOnceEditedAndNotLostToSomebodyElse)
     EXPECT_EQ(srs.error() + srs.sections().at(4).text, "Could not save SRS.Lost?");
 }
 
+TEST_F(Projects, theFactsOfAProjectSayWhereItRunsAndWhatIsNotSet)
+{
+    TerminalWorkspaceView view(desk());
+    view.setShown(true);
+    const auto facts = [&] {
+        QStringList lines;
+        for (const Choice& fact : view.facts())
+            lines.append(fact.id + ": " + fact.label);
+        return lines;
+    };
+    EXPECT_EQ(facts().size(), 1) << "the safety note";
+    const QString shop = project(u"Shop"_s, u"/srv/shop"_s, u"Mac"_s);
+    project(u"Kiln"_s, {}, u"box"_s);
+    m_db->exec("UPDATE project SET goal='' WHERE slug='shop';");
+    view.refresh();
+    view.rail()->select(shop);
+    EXPECT_EQ(facts().mid(0, 6),
+        (QStringList { "Goal: Not set yet.", "Slug: shop", "Status: active · priority 3", "Folder: /srv/shop",
+            "Runs on: this computer", "Work context: created with its first row" }));
+    view.tasks()->createQuickTask();
+    EXPECT_TRUE(facts().contains("Work context: ctx:dev:shop"));
+    createOpsAsk(db, { .projectSlug = u"shop"_s, .question = u"Why?"_s, .urgency = u"high"_s });
+    view.refresh();
+    QString counts;
+    for (const TabItem& tab : view.tabs())
+        counts += tab.count > 0 ? tab.id + QString::number(tab.count) : QString();
+    EXPECT_EQ(counts, "team1");
+    view.rail()->step(-9);
+    const QString first = view.desk().project.slug;
+    view.rail()->step(1);
+    view.rail()->step(1);
+    EXPECT_NE(view.desk().project.slug, first) << "the last of two";
+    view.rail()->select(u"pj:kiln"_s);
+    EXPECT_TRUE(facts().contains("Runs on: box"));
+    view.setTab(u"nowhere"_s);
+    EXPECT_EQ(view.tab(), "terminal");
+    view.inspector()->setTab(u"nowhere"_s);
+    EXPECT_EQ(view.inspector()->tab(), DevInspector::tabs().first().id);
+
+    DevProjectForm& form = *view.rail()->form();
+    form.beginEditProject();
+    EXPECT_EQ(form.title(), "Project");
+    form.setPriority(0);
+    EXPECT_EQ(form.priority(), 1);
+    form.setPriority(10);
+    form.setStatus(u"paused"_s);
+    form.submit();
+    EXPECT_EQ(table("SELECT status, priority, exec_host FROM project WHERE slug='kiln';"), QStringList("paused|9|box"));
+    form.beginNewProject();
+    form.field(u"name"_s).type(u"Lost"_s);
+    m_db->exec("CREATE TRIGGER full BEFORE INSERT ON project BEGIN SELECT RAISE(ABORT,'full'); END;");
+    form.submit();
+    EXPECT_EQ(form.message(), "Could not save project.");
+    form.close();
+    EXPECT_EQ(form.message(), "");
+}
+
+TEST_F(Projects, theFileForAgentsKeepsItsPlaceAndItsRights)
+{
+    OpsProjectRow row;
+    row.slug = row.name = u"shop"_s;
+    const QString real = written(u"real/PROJECT.md"_s, "## Log\nold\n");
+    QFile::setPermissions(real, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup);
+    const auto rights = QFile(real).permissions();
+    const QString folder = QFileInfo(written(u"state/x"_s, "")).absolutePath();
+    EXPECT_TRUE(QFile::link(real, folder + "/PROJECT.md"));
+    EXPECT_EQ(writeProjectMirror(row, folder).value_or(u"-"_s), real) << "the file that the link names";
+    EXPECT_TRUE(QFileInfo(folder + "/PROJECT.md").isSymLink());
+    EXPECT_TRUE(content(real).endsWith("\n\n## Log\nold\n"));
+    EXPECT_EQ(QFile(real).permissions(), rights);
+    QDir().mkpath(folder + "/sub/PROJECT.md");
+    EXPECT_TRUE(writeProjectMirror(row, folder + "/sub").error().message.endsWith("could not be read."));
+}
+
 }

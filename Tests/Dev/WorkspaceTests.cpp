@@ -221,4 +221,133 @@ TEST_F(Workspace, everyArgumentOfACommandReachesTheProgramAsItWas)
     }
 }
 
+TEST_F(Workspace, whatNeedsAProjectOrATerminalSaysSo)
+{
+    TerminalWorkspaceView view(desk());
+    view.setShown(true);
+    DevTasks& tasks = *view.tasks();
+    for (const auto action :
+        { &DevTasks::createQuickTask, &DevTasks::proposeDevDecision, &DevTasks::taskFromTerminal }) {
+        tasks.dismissNotice();
+        (tasks.*action)();
+        EXPECT_EQ(tasks.notice(), "No project selected");
+        EXPECT_TRUE(tasks.failed());
+    }
+    view.memory()->stageMemoryDraft(u"fact"_s);
+    EXPECT_EQ(view.memory()->memoryDraft(), "DEV fact:\n- Fact:\n- Evidence:\n- Applies to:");
+    view.memory()->saveTerminalTranscriptMemory();
+    EXPECT_EQ(view.memory()->notice(), "No terminal of this project is open.");
+    EXPECT_TRUE(view.memory()->failed());
+    project(u"Shop"_s);
+    view.refresh();
+    EXPECT_EQ(tasks.notice(), "") << "it was about another project";
+    tasks.bugFromTerminal();
+    EXPECT_EQ(tasks.notice(), "No terminal of this project is open.");
+    view.memory()->stageMemoryDraft(u"lesson"_s);
+    EXPECT_TRUE(view.memory()->memoryDraft().startsWith("Shop lesson:"));
+    EXPECT_EQ(view.memory()->memoryDraftKind(), "lesson");
+    tasks.createQuickTask();
+    EXPECT_EQ(tasks.item()->title() + '|' + tasks.item()->owner(), "Define next development task|Oskel") << "opened";
+    EXPECT_EQ(tasks.openRows().size(), 1);
+    tasks.proposeDevDecision();
+    EXPECT_EQ(tasks.notice(), "A decision waits in Approvals.");
+    EXPECT_FALSE(tasks.failed());
+    view.showItem(tasks.openRows().first().id);
+    EXPECT_EQ(view.tab() + '|' + tasks.item()->title(), "tasks|Define next development task");
+    tasks.item()->markDone();
+    EXPECT_EQ(tasks.openRows().size(), 0);
+    EXPECT_EQ(tasks.board()->lane(3)->rows().size(), 1);
+    view.team()->registerAgent(u"claude"_s);
+    EXPECT_EQ(table("SELECT name, role, session_id FROM work_agent;"), QStringList("Claude|worker|"));
+    EXPECT_EQ(view.team()->agents()->rows().size(), 1);
+
+    view.create()->begin(u"ask"_s, {}, u"Which port?"_s);
+    lumo.model.willAnswer("8080.");
+    view.create()->submit();
+    EXPECT_EQ(table("SELECT question, answer, answered_by FROM ask;"), QStringList("Which port?|8080.|LumoAI"));
+    m_db->exec("DROP TABLE work_item; DROP TABLE work_agent; DROP TABLE work_decision;");
+    tasks.createQuickBug();
+    EXPECT_EQ(tasks.notice(), "Could not save the item.");
+    tasks.proposeDevDecision();
+    EXPECT_EQ(tasks.notice(), "Could not save the decision.");
+    view.team()->registerAgent(u"codex"_s);
+    EXPECT_EQ(view.team()->error(), "Could not save the agent.");
+}
+
+TEST_F(Workspace, theCommandThatStartsAProjectComesFromItsFiles)
+{
+    const auto command = [&](const QString& folder, const QString& file, const QByteArray& text) {
+        return devServerCommand(QFileInfo(written(folder + u'/' + file, text)).absolutePath());
+    };
+    EXPECT_EQ(command(u"a"_s, u"package.json"_s, R"({"scripts":{"test":"x"}})"), "");
+    EXPECT_EQ(command(u"a"_s, u"run"_s, "x"), "") << "it is no program";
+    QFile::setPermissions(m_home.paths().home + "/a/run", QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    EXPECT_EQ(devServerCommand(m_home.paths().home + "/a"), "./run");
+    EXPECT_EQ(command(u"a"_s, u"manage.py"_s, ""), "python3 manage.py runserver");
+    EXPECT_EQ(command(u"a"_s, u"go.mod"_s, ""), "go run .");
+    EXPECT_EQ(command(u"a"_s, u"Cargo.toml"_s, ""), "cargo run");
+    EXPECT_EQ(command(u"a"_s, u"Makefile"_s, "all: dev\n\tdev:\nserve: all\n"), "make serve");
+    EXPECT_EQ(command(u"a"_s, u"package.json"_s, R"({"scripts":{"start":"x"}})"), "npm run start");
+    EXPECT_EQ(command(u"a"_s, u"pnpm-lock.yaml"_s, ""), "pnpm run start");
+
+    project(u"Shop"_s, u"~/b"_s);
+    const QString far = project(u"Far"_s, u"/srv/far"_s, u" box "_s);
+    TerminalWorkspaceView view(desk());
+    view.setShown(true);
+    const auto runs = [&](const QString& kind) {
+        view.setTab(u"memory"_s);
+        view.launcher()->runQuickAction(kind);
+        EXPECT_EQ(view.tab(), "terminal");
+        return terminals.current()->initialCommand();
+    };
+    view.rail()->select(far);
+    EXPECT_EQ(view.launcher()->notice(), "") << "a folder elsewhere is not looked for here";
+    EXPECT_EQ(runs(u"ssh"_s), "ssh -- 'box'");
+    view.rail()->select(u"pj:shop"_s);
+    EXPECT_EQ(runs(u"ssh"_s), "echo 'SSH target not set for this project yet.'");
+    EXPECT_EQ(runs(u"dev server"_s), "ls -la && echo 'Pick the command that starts this project.'");
+    EXPECT_EQ(runs(u"codex"_s), "codex");
+    EXPECT_TRUE(runs(u"logs"_s).startsWith("ls -la"));
+    written(u"b/go.mod"_s, "");
+    view.refresh();
+    EXPECT_EQ(runs(u"dev server"_s), "go run .");
+    view.launcher()->openFolder();
+    EXPECT_EQ(desktop.openedFiles, QStringList(m_home.paths().home + "/b"));
+    const int before = terminals.count();
+    view.openProject(far);
+    EXPECT_EQ(terminals.current()->initialCommand() + QString::number(terminals.count() - before), "ssh -- 'box'0");
+}
+
+TEST_F(Workspace, healthWarnsOfWhatIsMissingSilentOrUnanswered)
+{
+    const QString id = project(u"Shop"_s, u"~/gone"_s);
+    m_db->run("INSERT INTO tab(id, current_project_id, name, heartbeat_at, created_at) VALUES('t',?,'a',?,'1'), "
+              "('u',?,'b','','1');",
+        { id, isoTime(m_clock.nowMs()), id });
+    createOpsAsk(db, { .projectSlug = u"shop"_s, .question = u"Why?"_s, .urgency = u"low"_s });
+    TerminalWorkspaceView view(desk());
+    view.setShown(true);
+    view.team()->registerAgent(u"codex"_s);
+    m_db->exec("UPDATE work_agent SET status='running', heartbeat_at='';");
+    const auto shown = [&] {
+        QStringList lines;
+        view.health()->reload();
+        EXPECT_TRUE(await([&] { return !view.health()->busy(); }));
+        for (const DevHealthLine& line : view.health()->rows()) {
+            if (line.id == "folder" || line.id == "tabs" || line.id == "asks" || line.id == "agents")
+                lines.append(QStringList { line.id, line.value, line.detail, line.tone }.join('|'));
+        }
+        return lines;
+    };
+    EXPECT_EQ(shown(),
+        (QStringList {
+            "folder|not there|~/gone|warn", "tabs|1 live|1 down|warn", "asks|1||warn", "agents|1|1 silent|warn" }));
+    EXPECT_EQ(view.health()->rows().first().detail, "Max 2 local processes.");
+    written(u"gone/x"_s, "");
+    m_db->exec("DELETE FROM tab WHERE id='u'; UPDATE ask SET status='answered'; UPDATE work_agent SET status='ready';");
+    view.refresh();
+    EXPECT_EQ(
+        shown(), (QStringList { "folder|there|~/gone|good", "tabs|1 live||good", "asks|0||good", "agents|1||good" }));
+}
+
 }

@@ -57,6 +57,7 @@ DevTasks::DevTasks(DevDesk& desk, QObject* parent)
     m_item.setLanes(lanes());
     connect(&m_board, &WorkBoard::wrote, this, &DevTasks::wrote);
     connect(&m_item, &WorkItemSheet::wrote, this, &DevTasks::wrote);
+    showProject();
 }
 
 void DevTasks::showProject()
@@ -70,7 +71,7 @@ void DevTasks::showProject()
 
 void DevTasks::reload()
 {
-    if (m_board.laneCount() == 0 || m_scope != m_desk.shownContext())
+    if (m_scope != m_desk.shownContext())
         showProject();
     m_item.reload();
     const DateWords words(m_desk.work.db.nowMs());
