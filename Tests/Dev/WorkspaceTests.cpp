@@ -246,6 +246,11 @@ TEST_F(Workspace, whatNeedsAProjectOrATerminalSaysSo)
     view.memory()->stageMemoryDraft(u"lesson"_s);
     EXPECT_TRUE(view.memory()->memoryDraft().startsWith("Shop lesson:"));
     EXPECT_EQ(view.memory()->memoryDraftKind(), "lesson");
+    const QSignalSpy drafted(view.memory(), &DevMemory::changed);
+    view.memory()->setMemoryDraftKind(u"lesson"_s);
+    EXPECT_EQ(drafted.size(), 0);
+    view.memory()->setMemoryDraftKind(u"command"_s);
+    EXPECT_EQ(drafted.size(), 1);
     tasks.createQuickTask();
     EXPECT_EQ(tasks.item()->title() + '|' + tasks.item()->owner(), "Define next development task|Oskel") << "opened";
     EXPECT_EQ(tasks.openRows().size(), 1);

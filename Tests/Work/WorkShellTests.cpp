@@ -345,9 +345,17 @@ TEST_F(WorkShell, aDecisionSaysItsRiskAndAsksWhereItCannotBeTakenBack)
     for (const char* risk : { "money", "credential", "high", "external", "odd" })
         insertWorkDecision(*m_db, { "ops", may.id, QString::fromLatin1(risk), "", "Why", QString::fromLatin1(risk) });
     insertWorkMemory(*m_db, { "ops", may.id, "fact", "Rent is due on Mondays", "agent", "medium", "Ana" });
+    const WorkContextRow june = context(u"June"_s);
     shell.setShown(true);
     rail.select(may.id);
     WorkDecisions& decisions = *shell.decisions();
+    const QString elsewhere = decisions.memoryRows().first().id;
+    rail.select(june.id);
+    decisions.decideMemory(elsewhere, true);
+    decisions.decide(cell("SELECT id FROM work_decision;"), true);
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM work_decision WHERE status='proposed';"), "5") << "none that is not shown";
+    EXPECT_EQ(cell("SELECT status FROM work_memory;"), "proposed");
+    rail.select(may.id);
     QStringList said;
     for (const WorkDecisionSeed& seed : decisions.decisionRows())
         said.append(seed.title + ": " + seed.risk + (seed.question.isEmpty() ? "" : " ?"));
@@ -363,7 +371,8 @@ TEST_F(WorkShell, aDecisionSaysItsRiskAndAsksWhereItCannotBeTakenBack)
         return std::ranges::find(tabs, u"approvals"_s, &TabItem::id)->count;
     };
     EXPECT_EQ(approvals(), 6);
-    EXPECT_TRUE(rail.contextRows().first().aloud.contains("5 decisions wait"));
+    const auto row = std::ranges::find(rail.contextRows(), may.id, &WorkContextSeed::id);
+    EXPECT_TRUE(row->aloud.contains("5 decisions wait"));
     decisions.decideMemory(decisions.memoryRows().first().id, true);
     EXPECT_EQ(cell("SELECT status || owner FROM work_memory;"), "approvedOskel");
     EXPECT_EQ(decisions.memoryRows().first().status, "Approved");
