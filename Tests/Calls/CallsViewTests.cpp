@@ -192,3 +192,151 @@ TEST_F(CallsViewTest, soundThatIsOldEnoughGoesAndItsTextStays)
     EXPECT_EQ(sound.noSoundText(), "The sound of this call is no longer here.");
     EXPECT_EQ(transcript.turns()->rowCount(), 3);
 }
+
+TEST_F(CallsViewTest, everyStateOfACallHasItsWordAndItsAction)
+{
+    EXPECT_EQ(calls.emptyTitle(), "No call recordings yet.");
+    EXPECT_EQ(calls.proposalsText(), "No pending call CRM proposals.");
+    const QString first = record("First");
+    EXPECT_EQ(calls.proposalsText(), "2 pending proposals ready for review.");
+    m_clock.advance(seconds(60));
+    const QString second = record("Second");
+    calls.step(-9);
+    EXPECT_EQ(calls.selected(), second) << "the newest stands first";
+    calls.step(1);
+    calls.step(1);
+    EXPECT_EQ(calls.selected(), first);
+    const auto shown = [&](const QString& status, const QString& error) {
+        m_db->run("UPDATE call_recording SET processing_status=?, processing_error=?;", { status, error });
+        recorded->refresh();
+        m_clock.advance(Milliseconds(200));
+        return column(*calls.rows(), "detail").value(1).section(" · ", 1) + '|' + processing.label() + '|'
+            + page.errorText();
+    };
+    EXPECT_EQ(shown("ready", {}), "Ready|Transcribe again|");
+    EXPECT_EQ(shown("cancelled", "Taken back."), "Discarded|Transcribe now|Taken back.");
+    EXPECT_EQ(shown("interrupted", {}), "Interrupted|Recover|");
+    EXPECT_EQ(shown("failed", "No speech was found."), "No speech|Transcribe now|No speech was found.");
+    EXPECT_EQ(shown("failed", "No model."), "No transcript|Transcribe now|No model.");
+    EXPECT_EQ(shown("recorded", {}), "Not transcribed|Transcribe now|");
+    EXPECT_EQ(summarySections("They met.\n**Action items:** Send\n- one\nWARNING:\n").size(), 2)
+        << "without the empty one";
+    EXPECT_EQ(summarySections("They met.\n**Action items:** Send\n- one"),
+        (QList<CallSummarySection> { { "Summary", "They met." }, { "Action items", "Send\n- one" } }));
+}
+
+TEST_F(CallsViewTest, aCallIsRenamedSavedAndNeverRemovedWhileItRuns)
+{
+    const QString id = record("Weekly");
+    calls.select(id);
+    page.rename("  ");
+    EXPECT_EQ(page.title(), "Weekly");
+    EXPECT_TRUE(page.deleteQuestion().startsWith("“Weekly” is removed with its sound"));
+    EXPECT_TRUE(page.whenText().endsWith(" · 0:10"));
+    const QByteArray home = QFile::encodeName(m_home.path("home"));
+    const Environment places { { "HOME", home }, { "XDG_CONFIG_HOME", home } };
+    page.exportText();
+    EXPECT_EQ(page.doneText(), "Saved to " + m_home.path("home/Downloads/Weekly.txt"));
+    page.exportSubtitles();
+    EXPECT_TRUE(m_home.read("home/Downloads/Weekly.vtt").startsWith("WEBVTT"));
+    start("Other");
+    const QString other = recorder->activeCallId();
+    EXPECT_EQ(calls.selected(), other);
+    EXPECT_EQ(page.emptySummaryText(), "The summary follows the transcript.");
+    page.exportSubtitles();
+    EXPECT_EQ(page.doneText(), transcript.emptyText()) << "there is nothing to save yet";
+    page.remove();
+    EXPECT_EQ(column(*calls.rows(), "title"), QStringList({ "Other", "Weekly" }));
+    recorder->cancelActiveRecording();
+    page.remove();
+    EXPECT_EQ(column(*calls.rows(), "title"), QStringList("Weekly"));
+}
+
+TEST_F(CallsViewTest, theRecordingSaysWhatRunsAndWhyItDoesNot)
+{
+    RecordingView& recording = recordingView;
+    lumo.model.setUnavailable("none");
+    EXPECT_EQ(recording.source() + '|' + recording.sourceText(), "none|Record: microphone only");
+    recording.setSource("gone");
+    EXPECT_EQ(recording.source(), "none");
+    recording.setSource("everything");
+    EXPECT_EQ(recording.sourceText(), "Record: microphone and all sound");
+    recorder->setApplication("zoom");
+    EXPECT_EQ(recording.sourceText(), "Record: zoom") << "which plays nothing now";
+    EXPECT_EQ(recording.marksText() + recording.aloudText() + recording.title(), "");
+    recorder->start("Weekly", {});
+    microphone.answer(MicrophoneAccess::Missing);
+    EXPECT_EQ(recording.errorText(), "No microphone was found.");
+    start("Weekly", { .startMode = "calendar_auto" });
+    EXPECT_EQ(recording.errorText(), "") << "it runs now";
+    EXPECT_EQ(recording.aloudText(), "Recording Weekly");
+    EXPECT_TRUE(recording.beganByItself());
+    const QSignalSpy elapsed(&recording, &RecordingView::elapsed);
+    audio.microphone->loudness = 0.5;
+    for (const double at : { 0.4, 0.9, 1.1 }) {
+        audio.microphone->seconds = at;
+        m_clock.advance(Milliseconds(300));
+    }
+    EXPECT_EQ(elapsed.size(), 1) << "once a second";
+    EXPECT_EQ(recording.elapsedText(), "0:01");
+    EXPECT_GT(recording.level(), 0);
+    recording.mark();
+    EXPECT_EQ(recording.marksText(), "1 mark");
+    recording.mark();
+    EXPECT_EQ(recording.marksText(), "2 marks");
+    audio.microphone->source = false;
+    m_clock.advance(Milliseconds(300));
+    EXPECT_EQ(recording.warningText(), "") << "it may still come";
+    audio.microphone->seconds = 4;
+    m_clock.advance(Milliseconds(300));
+    EXPECT_TRUE(recording.warningText().startsWith("The microphone is disconnected."));
+    Q_EMIT audio.microphone->failed("no room.");
+    EXPECT_FALSE(recording.recording());
+    EXPECT_EQ(recording.errorText(), "The recording could not be written and was stopped: no room.");
+    EXPECT_EQ(recording.level(), 0);
+    EXPECT_EQ(sleep.held, 0);
+    EXPECT_FALSE(recording.beganByItself());
+}
+
+TEST(CallPlayers, bothSidesStayTogetherAndOneIsAlwaysHeard)
+{
+    FakeAudioPlayer mine;
+    FakeAudioPlayer theirs;
+    CallPlayer player(mine, theirs);
+    EXPECT_EQ(player.durationText(), "");
+    player.open("mic", "system", 10'000);
+    EXPECT_TRUE(player.hasBoth());
+    player.seek(0.5);
+    EXPECT_EQ(player.positionText() + QString::number(mine.played.size()), "0:050") << "only where it will start";
+    player.toggle();
+    EXPECT_EQ(mine.played + theirs.played, (QStringList { "mic", "system" }));
+    EXPECT_EQ(mine.position + theirs.position, 10'000);
+    EXPECT_EQ(player.actionText(), "Pause");
+    EXPECT_EQ(player.progress(), 0.5);
+    player.skip(-60);
+    EXPECT_EQ(mine.position + theirs.position, 0);
+    player.skip(60);
+    EXPECT_EQ(theirs.position, 10'000) << "no further than the end";
+    player.startFrom(1000);
+    EXPECT_EQ(player.positionText(), "0:10") << "it plays already";
+    player.toggle();
+    EXPECT_EQ(mine.current, AudioPlayer::State::Paused);
+    EXPECT_EQ(theirs.current, AudioPlayer::State::Paused);
+    EXPECT_EQ(player.actionText(), "Play");
+    player.playFrom(2000);
+    EXPECT_EQ(player.state() + player.positionText(), "playing0:02");
+    player.setMicrophoneOn(false);
+    theirs.moveTo(3000);
+    player.setMicrophoneOn(true);
+    EXPECT_EQ(mine.played.size(), 2);
+    EXPECT_EQ(mine.position, 3000) << "where the other one is";
+    theirs.duration = 12'000;
+    EXPECT_EQ(player.durationText(), "0:12") << "the longer one counts";
+    player.setSystemOn(false);
+    mine.enter(AudioPlayer::State::Failed);
+    EXPECT_EQ(player.problem(), "This machine has no sound output.");
+    player.open("other", {}, 0);
+    EXPECT_TRUE(player.systemOn());
+    EXPECT_FALSE(player.hasBoth());
+    EXPECT_EQ(player.state() + player.problem(), "idle");
+}

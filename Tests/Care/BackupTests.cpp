@@ -207,3 +207,46 @@ TEST_F(Backups, oneADayIsMadeAndSevenAreKept)
     ASSERT_TRUE(await([&] { return !keeper.busy(); }));
     EXPECT_EQ(keeper.error(), u""_s);
 }
+
+TEST_F(Backups, whatTheCardSaysOfTheLastOneAndWhyThereIsNone)
+{
+    BackgroundQueue background;
+    FakeDesktop desktop;
+    BackupKeeper keeper({ m_home.paths(), m_defaults, m_clock, background, desktop });
+    keeper.start();
+    const auto ended = [&] {
+        EXPECT_TRUE(await([&] { return !keeper.busy(); }));
+        return keptBackups(keeper.folder()).size();
+    };
+    m_clock.advance(std::chrono::hours(25));
+    EXPECT_EQ(ended(), 0) << "only when asked to";
+    desktop.chosen = QList<QUrl> {};
+    keeper.chooseFolder();
+    EXPECT_EQ(keeper.folder(), data(u"backups"_s)) << "nothing was chosen";
+    desktop.chosen = QList<QUrl> { QUrl::fromLocalFile(m_home.path(u"safe"_s)) };
+    keeper.chooseFolder();
+    EXPECT_EQ(keeper.folder(), m_home.path(u"safe"_s));
+    desktop.chosen = failure(u"no portal"_s);
+    keeper.chooseFolder();
+    EXPECT_EQ(keeper.error() + keeper.folder(), "no portal" + m_home.path(u"safe"_s));
+    keeper.setMedia(false);
+    keeper.backUpNow();
+    EXPECT_EQ(keeper.error(), "");
+    EXPECT_EQ(ended(), 1);
+    EXPECT_TRUE(keeper.lastText().startsWith("The last one was made just now and takes "));
+    const qint64 small = keptBackups(keeper.folder()).first().bytes;
+    m_home.write("share/Corvane/media/shop/film.mp4", QByteArray(3'000'000, 'f'));
+    m_clock.advance(std::chrono::hours(23));
+    keeper.setDaily(true);
+    EXPECT_FALSE(keeper.busy()) << "a day is not over";
+    keeper.setMedia(true);
+    m_clock.advance(std::chrono::hours(1));
+    EXPECT_EQ(ended(), 2);
+    EXPECT_GT(keptBackups(keeper.folder()).first().bytes, small + 2'900'000) << "with media";
+    m_home.write("blocked", "a file");
+    desktop.chosen = QList<QUrl> { QUrl::fromLocalFile(m_home.path(u"blocked/in"_s)) };
+    keeper.chooseFolder();
+    keeper.backUpNow();
+    EXPECT_EQ(ended(), 0);
+    EXPECT_EQ(keeper.error(), u"The folder %1 cannot be created."_s.arg(m_home.path(u"blocked/in"_s)));
+}

@@ -135,3 +135,32 @@ TEST_F(Doctor, theViewShowsWarningsFirst)
     ASSERT_TRUE(await([&] { return !view.busy(); }));
     EXPECT_FALSE(view.findings().isEmpty());
 }
+
+TEST_F(Doctor, theViewPutsRightWhatCanBeAndSaysWhatItDid)
+{
+    BackgroundQueue background;
+    DoctorView view({ [this] { return profile(); }, background, m_clock });
+    EXPECT_TRUE(view.hint().startsWith("Checks the database"));
+    EXPECT_FALSE(view.canFix());
+    const auto attention = [&] {
+        EXPECT_TRUE(view.hint().startsWith("Checking: "));
+        EXPECT_FALSE(view.canFix()) << "while it checks";
+        EXPECT_TRUE(await([&] { return !view.busy(); }));
+        return std::ranges::count_if(
+            view.findings(), [](const Finding& finding) { return finding.health != Health::Good; });
+    };
+    view.check();
+    const auto usual = attention(); // of this machine
+    m_db->exec("DROP TABLE contact_tag;");
+    view.check();
+    EXPECT_EQ(attention(), usual + 1);
+    EXPECT_TRUE(view.hint().startsWith(usual == 0 ? u"One check"_s : QString::number(usual + 1)));
+    EXPECT_TRUE(view.canFix());
+    EXPECT_EQ(view.fixed(), "");
+    view.fix();
+    EXPECT_EQ(attention(), usual);
+    EXPECT_NE(view.fixed(), "");
+    view.check();
+    EXPECT_EQ(view.fixed(), "") << "of the last repair";
+    attention();
+}
