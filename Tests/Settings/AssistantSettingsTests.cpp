@@ -84,7 +84,20 @@ TEST_F(Assistant, theGateIsReadAgainWhileSomeoneLooks)
     lumo.machine.now.physicalMemoryBytes = Q_UINT64_C(1) << 34;
     view.setVisible(true);
     EXPECT_TRUE(view.gateIsOpen());
-    EXPECT_EQ(view.gateFacts()[3].value, "16.0 GiB");
+    const auto facts = [this] {
+        QStringList values;
+        for (const MachineFact& fact : view.gateFacts())
+            values.append(fact.value);
+        return values.join('|');
+    };
+    EXPECT_EQ(facts().section('|', 1), "Off|Normal|16.0 GiB|Not known|6.1.0");
+    lumo.machine.now.lowPowerMode = true;
+    lumo.machine.now.thermal = ThermalState::Serious;
+    lumo.machine.now.freeDiskBytes = 1 << 20;
+    world.clock.advance(seconds(5));
+    EXPECT_EQ(facts().section('|', 1), "On|Hot|16.0 GiB|1.0 MiB|6.1.0");
+    lumo.machine.now.lowPowerMode = false;
+    lumo.machine.now.thermal = ThermalState::Nominal;
     lumo.machine.now.powerSourceStates = { "Battery Power" };
     world.clock.advance(seconds(5));
     EXPECT_EQ(view.gateText(), "This computer is on battery. Connect power before running local transcription.");
@@ -131,6 +144,7 @@ TEST_F(Assistant, whatIsRememberedStandsByScopeAndCanBeForgottenAndKept)
     for (const QStringList& row : rows)
         ASSERT_TRUE(db.run("INSERT INTO work_memory_entries(id, scope, body, created_at) VALUES(?,?,?,'2026');",
             { row[0], row[1], row[2] }));
+    EXPECT_EQ(view.memoryEmptyText(), "Nothing yet — agents save durable facts here as you work.");
     view.setVisible(true);
     const QStringList all { "Business: closed on Mondays", "Owner: signs as Ana", "contact:gone: ?",
         "Marta Vidal: likes linen" };
@@ -138,7 +152,12 @@ TEST_F(Assistant, whatIsRememberedStandsByScopeAndCanBeForgottenAndKept)
     view.forget("m3");
     EXPECT_EQ(remembered(), all.sliced(1));
     EXPECT_EQ(view.forgottenText(), "Forgotten: closed on Mondays");
+    EXPECT_EQ(view.memory().first().heading, "Owner");
     view.keepForgotten();
     EXPECT_EQ(remembered(), all);
     EXPECT_EQ(view.forgottenText(), "");
+    view.forget("m3");
+    view.setVisible(false);
+    view.setVisible(true);
+    EXPECT_EQ(view.forgottenText(), "") << "whoever comes back has meant it";
 }

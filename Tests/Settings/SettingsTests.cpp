@@ -425,6 +425,15 @@ TEST_F(Settings, theFlowsAndTheSystemCardReachTheScreenAsPlainValues)
     EXPECT_TRUE(system.notifyOnNewMessage());
     system.setNotifyOnNewMessage(false);
     EXPECT_EQ(world.defaults.boolean("notifyOnNewMessage"), false);
+    const bool sends = system.returnSends();
+    const QSignalSpy changed(&system, &SystemSettings::changed);
+    system.setReturnSends(sends);
+    EXPECT_EQ(changed.size(), 0);
+    system.setReturnSends(!sends);
+    EXPECT_EQ(system.returnSends(), !sends);
+    EXPECT_EQ(changed.size(), 1);
+    system.setStartsAtLogin(true);
+    EXPECT_FALSE(system.startsAtLogin()) << "there is no such desktop";
     EXPECT_EQ(system.secretsPlace(), "the desktop's keyring");
     EXPECT_EQ(system.dataFolder(), world.home.paths().applicationSupport);
 }

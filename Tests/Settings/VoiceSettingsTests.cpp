@@ -37,6 +37,12 @@ protected:
 TEST_F(VoiceSettingsTest, aDownloadThatBrokeOffGoesOnAndItsModelIsUsed)
 {
     EXPECT_EQ(view.models().size(), 1);
+    view.setLocale("en");
+    EXPECT_TRUE(view.stateText().startsWith("English is understood roughly.")) << qPrintable(view.stateText());
+    EXPECT_EQ(view.localeHint(), "");
+    view.setLocale("system");
+    EXPECT_EQ(view.locale(), "system");
+    EXPECT_EQ(view.installText(), "");
     EXPECT_TRUE(view.address().startsWith("https://"));
     const qsizetype part = 1'000'000;
     web.answer("/ggml-tiny.bin",
