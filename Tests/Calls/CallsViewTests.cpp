@@ -295,6 +295,7 @@ TEST_F(CallsViewTest, theRecordingSaysWhatRunsAndWhyItDoesNot)
     EXPECT_EQ(recording.errorText(), "The recording could not be written and was stopped: no room.");
     EXPECT_EQ(recording.level(), 0);
     EXPECT_EQ(sleep.held, 0);
+    start("By hand");
     EXPECT_FALSE(recording.beganByItself());
 }
 
