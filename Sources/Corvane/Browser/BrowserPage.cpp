@@ -110,7 +110,7 @@ void BrowserPage::navigate()
             if (!self)
                 return;
             const QString problem = result ? result->value("errorText"_L1).toString() : result.error().message;
-            if (problem.isEmpty() && !result->contains("loaderId"_L1)) { // another place in the same document
+            if (result && problem.isEmpty() && !result->contains("loaderId"_L1)) { // another place in this document
                 self->m_isOpening = false;
                 self->m_hasLoaded = true;
                 Q_EMIT self->loaded();
