@@ -1,58 +1,11 @@
 #include "Browser/WebSocketConnection.h"
-#include "BrowserTest.h"
+#include "PlayedBrowser.h"
 
 #include <QRandomGenerator>
 #include <QWebSocket>
 #include <QWebSocketServer>
 
 namespace corvane {
-
-namespace {
-
-/// A view with a fake page connection.
-class PlayedBrowser : public BrowserTest {
-protected:
-    PlayedBrowser() { view->browser()->adopt(page); }
-
-    void request(int id, const QString& url, int status)
-    {
-        page->say(u"Network.requestWillBeSent"_s,
-            { { u"requestId"_s, QString::number(id) }, { u"request"_s, QJsonObject { { u"url"_s, url } } } });
-        if (status == 0)
-            page->say(u"Network.loadingFailed"_s, { { u"requestId"_s, QString::number(id) } });
-        else
-            page->say(u"Network.responseReceived"_s,
-                { { u"response"_s,
-                    QJsonObject { { u"status"_s, status }, { u"statusText"_s, u"Gone"_s }, { u"url"_s, url } } } });
-    }
-    void step(const QJsonObject& report)
-    {
-        page->say(u"Runtime.bindingCalled"_s,
-            { { u"name"_s, u"corvaneStep"_s }, { u"payload"_s, QString::fromUtf8(QJsonDocument(report).toJson()) } });
-    }
-    /// Answers the last call of `method`.
-    void answer(const QString& method, const QJsonObject& result)
-    {
-        const qsizetype call = page->methods().lastIndexOf(method);
-        page->receive(
-            QJsonDocument(QJsonObject { { u"id"_s, page->sent.at(call)["id"_L1] }, { u"result"_s, result } }).toJson());
-    }
-    void answerScript(const QJsonValue& value)
-    {
-        answer(u"Runtime.evaluate"_s, { { u"result"_s, QJsonObject { { u"value"_s, value } } } });
-    }
-    bool submit()
-    {
-        view->sheet()->submit();
-        m_clock.advance(seconds(3)); // the page does not report its password fields, so the time limit applies
-        return await([&] { return !view->sheet()->busy(); });
-    }
-
-    std::unique_ptr<BrowserView> view = makeView();
-    PlayedConnection* page = new PlayedConnection;
-};
-
-}
 
 TEST_F(PlayedBrowser, aPageIsListenedToBeforeItOpensAndNewestProblemsAreKept)
 {
