@@ -55,6 +55,8 @@ TEST_F(PlayedBrowser, everyProblemIsListedWithItsKindAndItsPlace)
     page->logError(QString(8001, u'x'));
     EXPECT_EQ(view->browser()->page().events().console().last().text, QString(8000, u'x') + u"…"_s);
     EXPECT_EQ(maskedConsole(view->browser()->page()).last().text, QString(4000, u'x') + u"…"_s);
+    page->logError(QString(4000, u'x'));
+    EXPECT_EQ(maskedConsole(view->browser()->page()).last().text, QString(4000, u'x'));
 }
 
 TEST_F(PlayedBrowser, anAddressIsOpenedOnceThePageReportsAndWhatFailsIsSaid)
@@ -220,6 +222,9 @@ TEST_F(PlayedBrowser, aSheetSaysWhyItRefusesAndFilesWhatItShows)
     EXPECT_EQ(kept.pixelColor(38, 11), QColor(Qt::white));
 
     view->reportBug();
+    picture.blackOut({ 0.9, 0, 0.1, 1 });
+    picture.undo();
+    EXPECT_EQ(picture.picture().pixelColor(1, 11), QColor(Qt::white)) << "what was covered before is another picture";
     sheet.setNote(u"not lost"_s);
     m_db->exec(u"DROP TABLE work_item;"_s);
     ASSERT_TRUE(submit());
@@ -346,12 +351,17 @@ TEST_F(PlayedBrowser, aPageThatCrashesOrABrowserThatHangsIsSaidAndItsEndToo)
     EXPECT_EQ(view->problemAction(), u"Start it again"_s);
     answer(u"Browser.getVersion"_s, {});
     EXPECT_EQ(view->problem(), QString()) << "it answers again";
+    EXPECT_FALSE(view->browser()->isHanging());
 
     page->fail(u"Broken pipe."_s);
     EXPECT_EQ(view->problem(), u"Broken pipe."_s);
     EXPECT_EQ(view->problemAction(), u"Try again"_s);
     EXPECT_EQ(view->emptyTitle(), u"No page is open"_s);
     EXPECT_EQ(view->emptyAction(), QString()) << "the problem has the action";
+    view->browser()->options().executable = u"/nowhere/chromium"_s;
+    view->browser()->page().open(u"http://x/another"_s);
+    view->browser()->restart();
+    EXPECT_EQ(view->browser()->page().steps().steps().first().text, u"http://x/"_s) << "the page that was shown";
 }
 
 TEST_F(PlayedBrowser, theSizeOfThePageFollowsTheDeviceAndTheZoom)

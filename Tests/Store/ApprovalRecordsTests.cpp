@@ -120,6 +120,38 @@ TEST_F(ApprovalRecordsTest, whatAPersonDoesWithADraftThatWaitsElsewhereIsRecorde
     EXPECT_EQ(told(), QStringList({ "draft a undo", "draft b sent", "draft c reject", "draft d failed" }));
 }
 
+TEST_F(ApprovalRecordsTest, whatFailsBeforeItGoesOutIsRecordedWhereItStillWaits)
+{
+    insert("a", "x");
+    insert("b", "x", "sent");
+    const OutgoingFile file { "/o/1", "plan.pdf", 7, "ab" };
+    EXPECT_EQ(returnDraft(*m_db, "b", { file }), Decided::Refused);
+    ASSERT_EQ(returnDraft(*m_db, "a", { file }), Decided::Changed);
+    const auto returned = fetchDraft(*m_db, "a");
+    EXPECT_EQ(filesFromText(returned->files), QList<OutgoingFile> { file });
+    EXPECT_EQ(returned->error, describe(DraftFailure::Changed));
+    failWaitingDraft(*m_db, "a", "no files");
+    failWaitingDraft(*m_db, "b", "too late");
+    EXPECT_EQ(status("a") + fetchDraft(*m_db, "a")->error, "failedno files");
+    EXPECT_EQ(status("b"), "sent");
+    insert("c", "x", "approved");
+    const DraftClaim claim = DraftClaim::claim(*m_db, "c");
+    ASSERT_TRUE(claim.draft);
+    failClaimedDraft(*m_db, *claim.draft, "no engine");
+    EXPECT_EQ(status("c") + fetchDraft(*m_db, "c")->error, "failedno engine");
+    EXPECT_FALSE(mayHaveGoneOut(*fetchDraft(*m_db, "c")));
+    failClaimedDraft(*m_db, *claim.draft, "again");
+    EXPECT_EQ(fetchDraft(*m_db, "c")->error, "no engine");
+    insert("d", "x", "sending");
+    insert("e", "x", "approved");
+    EXPECT_TRUE(failRestoredDrafts(*m_db));
+    EXPECT_EQ(status("d") + status("e") + status("b"), "failedfailedsent");
+    EXPECT_TRUE(mayHaveGoneOut(*fetchDraft(*m_db, "d")));
+    EXPECT_EQ(told(),
+        QStringList({ "draft a return", "draft a failed", "draft c approve_elsewhere", "draft c failed",
+            "draft d failed", "draft e failed" }));
+}
+
 TEST_F(ApprovalRecordsTest, whatDiffersFromWhatWasApprovedGoesBackToThePerson)
 {
     const QString reason = "This draft changed after you approved it. Read it again before you decide.";

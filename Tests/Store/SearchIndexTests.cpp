@@ -138,6 +138,9 @@ TEST_F(SearchIndexTest, leavesToOthersWhatItCannotAnswer)
 {
     write(1, u"the needle"_s, 1);
     EXPECT_FALSE(find(u"needle"_s)) << "nothing is built yet";
+    const IndexState built = SearchIndex(m_path, m_never).advance(*SqlConnection::reader(m_db->path(), m_never), {});
+    EXPECT_EQ(built.indexed, 1);
+    EXPECT_EQ(built.total, 1);
     EXPECT_TRUE(advance().complete);
     expectTheSame(u"needle"_s);
     EXPECT_FALSE(find(u"ne"_s));
