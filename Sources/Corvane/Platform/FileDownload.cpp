@@ -65,10 +65,8 @@ public:
         if (!m_problem.isEmpty() || (!m_file.isOpen() && !begin()))
             return;
         const QByteArray bytes = m_reply->readAll();
-        if (m_file.write(bytes) != bytes.size() || !m_file.flush()) {
-            m_problem = u"the file cannot be written (%1)"_s.arg(m_file.errorString());
-            m_reply->abort();
-        }
+        if (m_file.write(bytes) != bytes.size() || !m_file.flush())
+            giveUp();
         m_received += bytes.size();
     }
 
@@ -102,11 +100,16 @@ private:
         const bool opened = m_file.open(goesOn ? QIODevice::Append : QIODevice::WriteOnly)
             && m_file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)
             && writePrivateFile(originPath(m_path), m_url.toEncoded() + '\n' + version, Outlives::Program);
-        if (!opened) {
-            m_problem = u"the file cannot be written (%1)"_s.arg(m_file.errorString());
-            m_reply->abort();
-        }
+        if (!opened)
+            giveUp();
         return opened;
+    }
+
+    /// Ends the reply at the next turn of the event loop, since its end destroys this object.
+    void giveUp()
+    {
+        m_problem = u"the file cannot be written (%1)"_s.arg(m_file.errorString());
+        QMetaObject::invokeMethod(m_reply, &QNetworkReply::abort, Qt::QueuedConnection);
     }
 
     QNetworkReply* const m_reply;
