@@ -16,6 +16,7 @@ bool isAnswer(QNetworkReply::NetworkError error)
 {
     return error == QNetworkReply::NoError || error == QNetworkReply::InsecureRedirectError
         || error == QNetworkReply::TooManyRedirectsError
+        || error == QNetworkReply::ProtocolInvalidOperationError // the status 400
         || (error >= QNetworkReply::ContentAccessDenied && error <= QNetworkReply::UnknownContentError)
         || error >= QNetworkReply::InternalServerError;
 }
