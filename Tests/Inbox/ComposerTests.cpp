@@ -472,4 +472,10 @@ TEST_F(ComposerTest, aMicrophoneThatIsMissingRefusedOrGoesAwaySaysSo)
     note.cancel();
     microphone.answer(MicrophoneAccess::Granted);
     EXPECT_TRUE(note.idle()) << "an answer that comes too late begins nothing";
+    composer.voice()->startNote();
+    microphone.answer(MicrophoneAccess::Granted);
+    note.cancel();
+    pause();
+    EXPECT_TRUE(note.idle());
+    EXPECT_EQ(note.elapsed(), 0) << "nobody listens any more";
 }
