@@ -96,6 +96,23 @@ TEST_F(ApprovalsViewTest, everyKindStandsUnderItsHeadInItsOwnWords)
     EXPECT_EQ(waitingForDecision(store), 6);
 }
 
+TEST_F(ApprovalsViewTest, anEventSaysWhenAndWhereItWouldBe)
+{
+    CalCommand event;
+    event.title = "Lunch";
+    event.startMs = clock.nowMs();
+    event.endMs = event.startMs + 3'600'000;
+    event.location = "Hall";
+    event.calendar = "Work";
+    const QString today = eventWords(event, clock.nowMs());
+    EXPECT_TRUE(today.endsWith(" · Hall · Work")) << qPrintable(today);
+    EXPECT_EQ(eventRow(event, clock.nowMs(), {}).detail, today);
+    event.location.clear();
+    event.startMs -= 1'800'000;
+    EXPECT_NE(eventWords(event, clock.nowMs()).section(" · ", 0, -2), today.section(" · ", 0, -3));
+    EXPECT_FALSE(eventWords(event, clock.nowMs()).contains("Hall"));
+}
+
 TEST_F(ApprovalsViewTest, whereNothingWaitsItSaysSoForEachKind)
 {
     EXPECT_EQ(view.count(), 0);
@@ -151,6 +168,7 @@ TEST_F(ApprovalsViewTest, anEditKeepsItsWordsUntilTheRowHasThem)
     look();
     DraftEdit& editor = *view.editor();
     view.edit("proposal:p1");
+    view.edit("draft:nobody");
     EXPECT_EQ(editor.draftId(), "");
     view.edit("draft:d1");
     EXPECT_EQ(editor.text(), "hello");

@@ -100,6 +100,7 @@ TEST_F(ComposerTest, filesGoWithTheMessageAndAreKeptWithItsText)
     EXPECT_EQ(composer.sendError(),
         "large.pdf (1,001 bytes) doesn't fit: WhatsApp carries at most 3 kB of files in one message.");
     attachments.paste({}, QByteArray(10, 'p'));
+    EXPECT_EQ(attachments.rows()->rowCount(), 2) << "shown while it is copied";
     ASSERT_TRUE(await([&] { return attachments.files().size() == 2; }));
     composer.setSubject("Plans");
     composer.setText("Here");
