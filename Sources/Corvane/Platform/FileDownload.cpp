@@ -128,7 +128,10 @@ QCoro::Task<Result<void>> downloadFile(
 {
     if (!isAllowed(url))
         co_return failure(u"the address must begin with https://"_s);
-    QNetworkAccessManager manager;
+    if (cancel.isCancelled())
+        co_return cancelled();
+    // These two outlive this flow until the next turn of the event loop, since it may go on inside the reply's abort.
+    const std::unique_ptr<QNetworkAccessManager, QScopedPointerDeleteLater> manager(new QNetworkAccessManager);
     QNetworkRequest request(url);
     makePlain(request);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
@@ -141,10 +144,11 @@ QCoro::Task<Result<void>> downloadFile(
         request.setRawHeader("Range", "bytes=" + QByteArray::number(have) + '-');
         request.setRawHeader("If-Range", version);
     }
-    const std::unique_ptr<QNetworkReply, QScopedPointerDeleteLater> reply(manager.get(request));
+    const std::unique_ptr<QNetworkReply, QScopedPointerDeleteLater> reply(manager->get(request));
     reply->setReadBufferSize(keptInMemory);
     Incoming incoming(reply.get(), path, url);
-    QObject::connect(reply.get(), &QNetworkReply::readyRead, reply.get(), [&incoming, &onProgress] {
+    const QObject here;
+    QObject::connect(reply.get(), &QNetworkReply::readyRead, &here, [&incoming, &onProgress] {
         incoming.take();
         if (onProgress)
             onProgress(incoming.progress());
