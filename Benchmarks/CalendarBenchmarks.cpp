@@ -1,3 +1,4 @@
+#include "Calendar/CalendarView.h"
 #include "Foundation/Literals.h"
 #include "PlayedProgram.h"
 
@@ -5,6 +6,8 @@
 #include "Platform/AppPaths.h"
 #include "Platform/CalendarSource.h"
 #include "Platform/Linux/Services.h"
+#include "Shell/AppShell.h"
+#include "Shell/ContentView.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -101,13 +104,13 @@ public:
         store.requestAccess();
         while (store.events().isEmpty())
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        m_program.screens.content.continueWithoutSigningIn();
+        m_program.screens.content->continueWithoutSigningIn();
         m_program.window.show();
-        m_program.screens.shell.selectHub(u"calendar"_s);
+        m_program.screens.shell->selectHub(u"calendar"_s);
         paint();
     }
 
-    CalendarView& calendar() { return m_program.screens.calendar; }
+    CalendarView& calendar() { return *m_program.screens.calendar; }
     void paint() { benchmark::DoNotOptimize(m_program.window.window()->grabWindow()); }
 
 private:

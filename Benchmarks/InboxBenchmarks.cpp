@@ -1,4 +1,5 @@
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
 #include "Mirror.h"
 #include "PlayedProgram.h"
 
@@ -38,7 +39,7 @@ public:
 
     QString contactId() const { return u"ct:WHATSAPP:"_s + m_message.conversationExternalId; }
     LocalDB& db() { return m_program.app.db(); }
-    InboxView& inbox() { return m_program.screens.inbox; }
+    InboxView& inbox() { return *m_program.screens.inbox; }
 
 private:
     PlayedProgram m_program { sharedMirror(QStringLiteral(CORVANE_MIRROR_FOLDER)) };

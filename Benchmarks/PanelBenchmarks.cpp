@@ -1,9 +1,11 @@
+#include "Desk/CorvaneMenuBarView.h"
 #include "Foundation/Literals.h"
 #include "PlayedProgram.h"
 
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
+#include "Shell/Notices.h"
 #include "Store/Core/LocalDB.h"
 #include "UI/PanelWindow.h"
 
@@ -38,7 +40,7 @@ public:
         db.exec(u"COMMIT;"_s);
         m_program.app.approvals().attach(m_program.app.delivery(), m_program.app.recordedCalls());
         m_program.app.delivery().refresh();
-        m_program.screens.panel.setTab(u"approvals"_s);
+        m_program.screens.panel->setTab(u"approvals"_s);
     }
 
     ApprovalsStore& approvals() { return m_program.app.approvals(); }
@@ -46,7 +48,7 @@ public:
     std::unique_ptr<PanelWindow> panel()
     {
         return std::make_unique<PanelWindow>(
-            m_program.window.engine(), m_program.screens.panel, m_program.screens.notices, m_program.scheduler);
+            m_program.window.engine(), *m_program.screens.panel, *m_program.screens.notices, m_program.scheduler);
     }
 
 private:

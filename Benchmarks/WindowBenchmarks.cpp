@@ -1,10 +1,12 @@
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
 #include "Mirror.h"
 #include "PlayedProgram.h"
 
 #include "Engines/EngineManager.h"
 #include "Engines/EngineSpec.h"
 #include "Inbox/Thread/ThreadView.h"
+#include "Shell/ContentView.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/PlayedLauncher.h"
@@ -40,18 +42,18 @@ public:
         account.id = QUuid::createUuid();
         account.slug = u"main"_s;
         m_program.app.engine().start(account);
-        m_program.screens.content.continueWithoutSigningIn();
+        m_program.screens.content->continueWithoutSigningIn();
         m_program.window.show();
         QQuickWindow* window = m_program.window.window();
         QObject::connect(window, &QQuickWindow::beforeSynchronizing, window, [this] { m_painting -= threadMs(); });
         QObject::connect(window, &QQuickWindow::frameSwapped, window, [this] { m_painting += threadMs(); });
-        m_program.screens.inbox.appear();
+        m_program.screens.inbox->appear();
         paint();
     }
 
     void open(const QString& contact)
     {
-        m_program.screens.inbox.person()->select(contact);
+        m_program.screens.inbox->person()->select(contact);
         paint();
     }
 
@@ -104,7 +106,7 @@ public:
     /// card most of it moves to another thread.
     double painting() const { return m_painting; }
 
-    int rows() { return m_program.screens.inbox.person()->thread()->rows()->rowCount(); }
+    int rows() { return m_program.screens.inbox->person()->thread()->rows()->rowCount(); }
 
 private:
     static double threadMs()

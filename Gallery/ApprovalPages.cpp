@@ -1,9 +1,13 @@
+#include "Approvals/ApprovalsView.h"
+#include "Desk/CorvaneMenuBarView.h"
 #include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
 #include "Approvals/ApprovalsStore.h"
 #include "Engines/DraftDelivery.h"
+#include "Settings/IntegrationsView.h"
+#include "Shell/AppShell.h"
 #include "Store/Approvals/CrmProposals.h"
 #include "Store/Approvals/DraftApprovals.h"
 #include "Store/Approvals/WorkDecisions.h"
@@ -72,46 +76,46 @@ void drawApprovals(Gallery& gallery)
         gallery.app().approvals().refresh();
         gallery.wait(Milliseconds(200));
     };
-    gallery.screens().shell.openApprovals();
+    gallery.screens().shell->openApprovals();
     look();
     gallery.save(u"approvals-empty"_s, { Look::Light, Look::Dark });
-    gallery.screens().approvals.log()->setShown(true);
+    gallery.screens().approvals->log()->setShown(true);
     gallery.wait(Milliseconds(200));
     gallery.save(u"approvals-nothing-decided"_s, { Look::Light });
-    gallery.screens().approvals.log()->setShown(false);
-    gallery.screens().panel.setTab(u"approvals"_s);
+    gallery.screens().approvals->log()->setShown(false);
+    gallery.screens().panel->setTab(u"approvals"_s);
     gallery.savePanel(u"panel-approvals-empty"_s, { Look::Light });
 
     letItemsWait(db, gallery.contactNamed(u"Megan Price"_s), gallery.contactNamed(u"Hannah Fischer"_s));
     look();
     gallery.save(u"approvals-filled"_s, { Look::Light, Look::Dark, Look::LightSmall });
     gallery.savePanel(u"panel-approvals"_s, { Look::Light, Look::Dark });
-    const QString first = gallery.screens().approvals.rows()->index(1, 0).data(Qt::UserRole).toString();
-    gallery.screens().approvals.approve(first);
+    const QString first = gallery.screens().approvals->rows()->index(1, 0).data(Qt::UserRole).toString();
+    gallery.screens().approvals->approve(first);
     gallery.wait(Milliseconds(200));
     gallery.save(u"approvals-armed"_s, { Look::Light, Look::Dark });
-    gallery.screens().approvals.undo(first);
-    gallery.screens().approvals.approve(u"decision:w1"_s);
+    gallery.screens().approvals->undo(first);
+    gallery.screens().approvals->approve(u"decision:w1"_s);
     gallery.wait(Milliseconds(200));
     gallery.save(u"approvals-asked"_s, { Look::Light, Look::Dark });
-    gallery.screens().approvals.stepBack();
-    gallery.screens().approvals.edit(first);
+    gallery.screens().approvals->stepBack();
+    gallery.screens().approvals->edit(first);
     gallery.wait(Milliseconds(200));
     gallery.save(u"approvals-edited"_s, { Look::Light });
-    gallery.screens().approvals.editor()->close();
-    gallery.screens().panel.setTab(u"now"_s);
+    gallery.screens().approvals->editor()->close();
+    gallery.screens().panel->setTab(u"now"_s);
     gallery.savePanel(u"panel-now"_s, { Look::Light, Look::Dark });
-    gallery.screens().shell.openSettings();
-    gallery.screens().settings.setSection(u"approvals"_s);
+    gallery.screens().shell->openSettings();
+    gallery.screens().settings->setSection(u"approvals"_s);
     gallery.save(u"settings-approvals-waiting"_s, { Look::Light, Look::Dark });
-    gallery.screens().settings.setSection(u"accounts"_s);
+    gallery.screens().settings->setSection(u"accounts"_s);
     decideSome(gallery.app().delivery());
-    gallery.screens().shell.openApprovals();
-    gallery.screens().approvals.log()->setShown(true);
+    gallery.screens().shell->openApprovals();
+    gallery.screens().approvals->log()->setShown(true);
     gallery.wait(Milliseconds(200));
     gallery.save(u"approvals-decided"_s, { Look::Light, Look::Dark, Look::LightSmall });
-    gallery.screens().approvals.log()->setShown(false);
-    gallery.screens().shell.closeApprovals();
+    gallery.screens().approvals->log()->setShown(false);
+    gallery.screens().shell->closeApprovals();
     db.run(u"DELETE FROM outbound_draft WHERE status IN ('pending','failed');"_s);
     db.run(u"DELETE FROM crm_update_proposal WHERE status='pending';"_s);
     db.run(u"DELETE FROM work_decision WHERE status='proposed';"_s);

@@ -1,12 +1,15 @@
 #include "Foundation/Literals.h"
 #include "Gallery.h"
+#include "Inbox/InboxView.h"
 #include "Pages.h"
+#include "Settings/IntegrationsView.h"
+#include "Shell/AppShell.h"
 
 namespace corvane {
 
 void drawAssistant(Gallery& gallery)
 {
-    InboxView& inbox = gallery.screens().inbox;
+    InboxView& inbox = *gallery.screens().inbox;
     gallery.openThread(u"Megan Price"_s);
     gallery.model().says
         = u"Four of the blue ones, and I was not even there! Thank you, Megan. I told Petra Lindqvist that she "
@@ -50,10 +53,10 @@ void drawAssistant(Gallery& gallery)
     inbox.reply()->assistant()->draftReply();
     gallery.save(u"assistant-missing"_s, { Look::Light, Look::Dark });
     inbox.reply()->assistant()->dismiss();
-    gallery.screens().settings.setSection(u"assistant"_s);
-    gallery.screens().shell.openSettings();
+    gallery.screens().settings->setSection(u"assistant"_s);
+    gallery.screens().shell->openSettings();
     gallery.save(u"settings-assistant-missing"_s, { Look::Light });
-    gallery.screens().shell.closeSettings();
+    gallery.screens().shell->closeSettings();
     gallery.model().setReason({});
 }
 

@@ -1,5 +1,6 @@
 #include "Foundation/Literals.h"
 #include "Gallery.h"
+#include "Inbox/InboxView.h"
 #include "Pages.h"
 
 namespace corvane {
@@ -19,7 +20,7 @@ void scrollTo(Gallery& gallery, bool toTheFoot)
 
 void drawContact(Gallery& gallery)
 {
-    InboxView& inbox = gallery.screens().inbox;
+    InboxView& inbox = *gallery.screens().inbox;
     inbox.person()->select(u"ct:WHATSAPP:351900000190@s.whatsapp.net"_s);
     gallery.wait(Milliseconds(800)); // suggestions for merging appear after a delay
     gallery.save(u"contact-pane"_s, { Look::Light, Look::Dark });

@@ -1,9 +1,14 @@
+#include "Browser/BrowserView.h"
+#include "Dev/LumoScreen.h"
+#include "Dev/TerminalWorkspaceView.h"
 #include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
 #include "Platform/ProcessLauncher.h"
+#include "Shell/AppShell.h"
 #include "Store/Core/LocalDB.h"
+#include "Terminals/TerminalsView.h"
 
 #include <QDir>
 #include <unistd.h>
@@ -17,7 +22,7 @@ constexpr Milliseconds pause { 500 };
 LumoTerminalSession& openTerminal(Gallery& gallery)
 {
     // A script stands in for a shell, so that the output is the same on each machine.
-    LumoTerminalSession& session = gallery.screens().terminals.createLocalSession(
+    LumoTerminalSession& session = gallery.screens().terminals->createLocalSession(
         u"shell"_s, { "/bin/sh", { "-c", "Gallery/terminal.sh; cat" }, {}, QDir::currentPath().toStdString(), {} });
     session.rename(u"shop-shell-1"_s);
     return session;
@@ -36,8 +41,8 @@ void drawBrowser(Gallery& gallery)
 {
     if (chromiumPath().isEmpty())
         return;
-    TerminalWorkspaceView& dev = gallery.screens().dev;
-    BrowserView& browser = gallery.screens().browser;
+    TerminalWorkspaceView& dev = *gallery.screens().dev;
+    BrowserView& browser = *gallery.screens().browser;
     QString address;
     ProcessSpec page;
     page.executable = qEnvironmentVariable("CORVANE_NODE");
@@ -100,8 +105,8 @@ void drawBrowser(Gallery& gallery)
 void drawDev(Gallery& gallery)
 {
     Screens& screens = gallery.screens();
-    TerminalWorkspaceView& dev = screens.dev;
-    screens.shell.selectHub(u"dev"_s);
+    TerminalWorkspaceView& dev = *screens.dev;
+    screens.shell->selectHub(u"dev"_s);
     waitFor(gallery, [&dev] { // the demo writes its records a few seconds after the start
         dev.refresh();
         return !dev.rail()->projects()->rows().isEmpty();
@@ -155,15 +160,15 @@ void drawDev(Gallery& gallery)
     gallery.save(u"dev-nothing-found"_s);
     dev.rail()->setSearch({});
     dev.setTab(u"terminal"_s);
-    screens.terminals.closeCurrent();
-    screens.terminals.question()->answer(true);
-    screens.shell.selectHub(u"lumo"_s);
-    screens.lumo.shell()->rail()->setPlace(u"console"_s);
-    screens.lumoConsole.setTab(u"assistant"_s);
+    screens.terminals->closeCurrent();
+    screens.terminals->question()->answer(true);
+    screens.shell->selectHub(u"lumo"_s);
+    screens.lumo->shell()->rail()->setPlace(u"console"_s);
+    screens.lumoConsole->setTab(u"assistant"_s);
     gallery.wait(pause);
     gallery.save(u"lumo-console"_s, { Look::Light, Look::Dark, Look::LightSmall });
-    screens.lumo.shell()->rail()->setPlace(u"knowledge"_s);
-    screens.shell.selectHub(u"inbox"_s);
+    screens.lumo->shell()->rail()->setPlace(u"knowledge"_s);
+    screens.shell->selectHub(u"inbox"_s);
 }
 
 }

@@ -2,6 +2,8 @@
 #include "Gallery.h"
 #include "Pages.h"
 
+#include "Settings/IntegrationsView.h"
+#include "Shell/AppShell.h"
 #include "UI/DictationWindow.h"
 #include "Voice/DictationAnywhere.h"
 
@@ -11,8 +13,8 @@ void drawDictation(Gallery& gallery)
 {
     DictationAnywhere& dictation = gallery.app().dictation();
     const DictationWindow window(gallery.engine(), dictation);
-    gallery.screens().shell.openSettings();
-    gallery.screens().settings.setSection(u"voice"_s);
+    gallery.screens().shell->openSettings();
+    gallery.screens().settings->setSection(u"voice"_s);
     dictation.setEnabled(true);
     gallery.save(u"settings-dictation"_s, { Look::Light, Look::Dark, Look::LightSmall });
 
@@ -29,8 +31,8 @@ void drawDictation(Gallery& gallery)
     gallery.saveOther(*window.panel(), u"dictation-failed"_s);
     panel.hide();
     dictation.setEnabled(false);
-    gallery.screens().settings.setSection(u"accounts"_s);
-    gallery.screens().shell.closeSettings();
+    gallery.screens().settings->setSection(u"accounts"_s);
+    gallery.screens().shell->closeSettings();
 }
 
 }

@@ -1,8 +1,11 @@
 #include "Gallery.h"
 
 #include "Approvals/ApprovalsStore.h"
+#include "Desk/CorvaneMenuBarView.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
+#include "Shell/Notices.h"
 
 #include <QEventLoop>
 #include <QGuiApplication>
@@ -33,7 +36,7 @@ Gallery::Gallery(const QString& folder, qint64 nowMs)
     , m_app(AppPaths::fromEnvironment(), m_clock, pictureMachine(m_desktop, m_model))
     , m_screens(m_app)
     , m_window(m_screens, m_app.defaults(), m_app.decoder())
-    , m_panel(m_window.engine(), m_screens.panel, m_screens.notices, m_clock)
+    , m_panel(m_window.engine(), *m_screens.panel, *m_screens.notices, m_clock)
 {
     QObject::connect(&m_app.engine(), &EngineManager::eventHandled, &m_app, [this] { ++m_events; });
 }
@@ -127,7 +130,7 @@ QString Gallery::contactNamed(const QString& name)
 
 void Gallery::openThread(const QString& contactName)
 {
-    m_screens.inbox.person()->select(contactNamed(contactName));
+    m_screens.inbox->person()->select(contactNamed(contactName));
     wait(Milliseconds(400));
 }
 

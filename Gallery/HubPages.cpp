@@ -1,9 +1,14 @@
+#include "Dev/LumoScreen.h"
 #include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
+#include "Shell/AppShell.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Work/WorkBoardQueries.h"
+#include "Work/CXHub.h"
+#include "Work/GTMHub.h"
+#include "Work/OpsHub.h"
 
 namespace corvane {
 
@@ -26,9 +31,9 @@ void drawTabs(Gallery& gallery, WorkModuleShell& shell, const QString& context, 
 
 void drawOps(Gallery& gallery)
 {
-    OpsHub& ops = gallery.screens().ops;
+    OpsHub& ops = *gallery.screens().ops;
     WorkModuleShell& shell = *ops.shell();
-    gallery.screens().shell.selectHub(u"ops"_s);
+    gallery.screens().shell->selectHub(u"ops"_s);
     constexpr int longestWait = 40; // the demo writes its records a few seconds after the start
     for (int i = 0; shell.rail()->contextRows().isEmpty() && i < longestWait; ++i)
         gallery.wait(pause);
@@ -93,15 +98,15 @@ void drawEmpty(Gallery& gallery)
              "crm_deal", "unified_conversation", "ask" })
         gallery.db().run(u"ALTER TABLE %1 RENAME TO hidden_%1;"_s.arg(QLatin1StringView(table)));
     const auto draw = [&](const QString& hub, WorkModuleShell& shell) {
-        gallery.screens().shell.selectHub(hub);
+        gallery.screens().shell->selectHub(hub);
         shell.refresh();
         gallery.wait(pause);
         gallery.save(hub + u"-empty"_s);
     };
-    draw(u"lumo"_s, *gallery.screens().lumo.shell());
-    draw(u"gtm"_s, *gallery.screens().gtm.shell());
-    draw(u"cx"_s, *gallery.screens().cx.shell());
-    draw(u"ops"_s, *gallery.screens().ops.shell());
+    draw(u"lumo"_s, *gallery.screens().lumo->shell());
+    draw(u"gtm"_s, *gallery.screens().gtm->shell());
+    draw(u"cx"_s, *gallery.screens().cx->shell());
+    draw(u"ops"_s, *gallery.screens().ops->shell());
     for (const char* table : { "work_context", "work_item", "work_evidence", "work_memory", "work_agent", "project",
              "crm_deal", "unified_conversation", "ask" })
         gallery.db().run(u"ALTER TABLE hidden_%1 RENAME TO %1;"_s.arg(QLatin1StringView(table)));
@@ -113,23 +118,23 @@ void drawHubs(Gallery& gallery)
 {
     Screens& screens = gallery.screens();
     drawOps(gallery);
-    screens.shell.selectHub(u"lumo"_s);
-    const QList<TabItem> places = screens.lumo.shell()->rail()->places();
+    screens.shell->selectHub(u"lumo"_s);
+    const QList<TabItem> places = screens.lumo->shell()->rail()->places();
     for (const TabItem& place : places) {
-        screens.lumo.shell()->rail()->setPlace(place.id);
+        screens.lumo->shell()->rail()->setPlace(place.id);
         gallery.wait(pause);
         gallery.save(u"lumo-"_s + place.id, everyLook);
     }
-    screens.shell.selectHub(u"gtm"_s);
+    screens.shell->selectHub(u"gtm"_s);
     gallery.wait(pause);
     gallery.save(u"gtm-pipeline"_s, everyLook);
-    drawTabs(gallery, *screens.gtm.shell(), u"ctx:gtm:christmas-shop"_s, u"gtm-context"_s);
-    screens.shell.selectHub(u"cx"_s);
+    drawTabs(gallery, *screens.gtm->shell(), u"ctx:gtm:christmas-shop"_s, u"gtm-context"_s);
+    screens.shell->selectHub(u"cx"_s);
     gallery.wait(pause);
     gallery.save(u"cx-queue"_s, everyLook);
-    drawTabs(gallery, *screens.cx.shell(), u"ctx:cx:okafor"_s, u"cx-context"_s);
+    drawTabs(gallery, *screens.cx->shell(), u"ctx:cx:okafor"_s, u"cx-context"_s);
     drawEmpty(gallery);
-    screens.shell.selectHub(u"inbox"_s);
+    screens.shell->selectHub(u"inbox"_s);
 }
 
 }

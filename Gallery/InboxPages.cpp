@@ -1,5 +1,7 @@
+#include "Approvals/PendingDraftsView.h"
 #include "Foundation/Literals.h"
 #include "Gallery.h"
+#include "Inbox/InboxView.h"
 #include "Pages.h"
 
 #include "Engines/AccountStore.h"
@@ -7,6 +9,7 @@
 #include "Engines/EngineManager.h"
 #include "Engines/EngineProcesses.h"
 #include "Foundation/Ids.h"
+#include "Shell/AppShell.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Messages/InboxQueries.h"
@@ -21,18 +24,18 @@ namespace {
 void queueReply(Gallery& gallery, const QString& text)
 {
     LocalDB& db = gallery.db();
-    Composer& composer = *gallery.screens().inbox.reply()->composer();
+    Composer& composer = *gallery.screens().inbox->reply()->composer();
     if (const auto target = replyTarget(db, composer.contactId(), composer.routing()->replyPlatform()))
         queueDraft(db, conversationId(target->account, target->chatId), text, u"mcp"_s);
     gallery.app().delivery().refresh();
     for (const PendingDraft& draft : gallery.app().delivery().pending())
-        gallery.screens().drafts.askToConfirm(draft.id);
+        gallery.screens().drafts->askToConfirm(draft.id);
     gallery.wait(Milliseconds(200));
 }
 
 void searchFor(Gallery& gallery, const QString& words)
 {
-    gallery.screens().inbox.filters()->setSearch(words);
+    gallery.screens().inbox->filters()->setSearch(words);
     gallery.wait(Milliseconds(500));
 }
 
@@ -40,7 +43,7 @@ void searchFor(Gallery& gallery, const QString& words)
 /// thread.
 void drawFiles(Gallery& gallery)
 {
-    Composer& composer = *gallery.screens().inbox.reply()->composer();
+    Composer& composer = *gallery.screens().inbox->reply()->composer();
     const auto target = replyTarget(gallery.db(), composer.contactId(), composer.routing()->replyPlatform());
     const auto account = target ? gallery.app().store().findBySlug(target->account) : std::nullopt;
     if (!account)
@@ -74,13 +77,13 @@ void drawFiles(Gallery& gallery)
     composer.setText({});
     gallery.app().delivery().refresh();
     for (const PendingDraft& draft : gallery.app().delivery().pending())
-        gallery.screens().drafts.askToConfirm(draft.id);
+        gallery.screens().drafts->askToConfirm(draft.id);
     gallery.wait(Milliseconds(200));
     gallery.save(u"inbox-draft-files"_s, { Look::Light });
-    gallery.screens().shell.openApprovals();
+    gallery.screens().shell->openApprovals();
     gallery.wait(Milliseconds(200));
     gallery.save(u"approvals-files"_s, { Look::Light });
-    gallery.screens().shell.closeApprovals();
+    gallery.screens().shell->closeApprovals();
     gallery.db().run(u"DELETE FROM outbound_draft;"_s);
     gallery.app().delivery().refresh();
 }
@@ -89,7 +92,7 @@ void drawFiles(Gallery& gallery)
 
 void drawInbox(Gallery& gallery)
 {
-    InboxView& inbox = gallery.screens().inbox;
+    InboxView& inbox = *gallery.screens().inbox;
     gallery.save(u"inbox-list"_s, { Look::Light, Look::Dark, Look::LightSmall });
 
     gallery.openThread(u"Megan Price"_s);
@@ -103,7 +106,7 @@ void drawInbox(Gallery& gallery)
     queueReply(gallery, u"Hi Megan, the second firing is done. Shall I bring the bowls on Thursday?"_s);
     inbox.reply()->composer()->setText(u"Good morning! I have just unpacked the kiln."_s);
     gallery.save(u"inbox-draft"_s, { Look::Light, Look::Dark });
-    (void)rejectDraft(gallery.db(), gallery.screens().drafts.confirmDraft());
+    (void)rejectDraft(gallery.db(), gallery.screens().drafts->confirmDraft());
     gallery.app().delivery().refresh();
     inbox.reply()->composer()->setText({});
     inbox.composeSheet()->open();

@@ -8,6 +8,7 @@
 #include "Foundation/Ids.h"
 #include "Settings/IntegrationsView.h"
 #include "Settings/VoiceSettings.h"
+#include "Shell/AppShell.h"
 #include "Store/Core/LocalDB.h"
 #include "Voice/KnownModels.h"
 #include "Voice/VoiceServices.h"
@@ -20,7 +21,7 @@ namespace {
 /// "wrong".
 void drawConnectSheets(Gallery& gallery)
 {
-    AccountsView& accounts = *gallery.screens().settings.accounts();
+    AccountsView& accounts = *gallery.screens().settings->accounts();
     for (const QString& channel : { u"SLACK"_s, u"SMS"_s }) {
         accounts.connectChannel(channel);
         gallery.save(
@@ -99,29 +100,29 @@ void drawSettings(Gallery& gallery)
     const Account connecting = accounts.add(u"Slack"_s, Channel::Slack);
     gallery.app().engine().handleEvent(connecting.id, uR"({"type":"status","state":"connecting"})"_s, Speaker::Current);
 
-    gallery.screens().shell.openSettings();
+    gallery.screens().shell->openSettings();
     gallery.save(u"settings-accounts"_s, { Look::Light, Look::Dark, Look::LightSmall });
-    gallery.screens().settings.accounts()->pairing()->open(phone.id);
+    gallery.screens().settings->accounts()->pairing()->open(phone.id);
     gallery.save(u"settings-pairing"_s, { Look::Light, Look::Dark });
-    gallery.screens().settings.accounts()->pairing()->close();
+    gallery.screens().settings->accounts()->pairing()->close();
     gallery.wait(Milliseconds(200));
     drawConnectSheets(gallery);
-    gallery.screens().settings.setSection(u"approvals"_s);
-    gallery.screens().settings.controlChat()->choose(
+    gallery.screens().settings->setSection(u"approvals"_s);
+    gallery.screens().settings->controlChat()->choose(
         conversationId(u"taller-vidal"_s, u"34600000109@s.whatsapp.net"_s));
     gallery.save(u"settings-approvals"_s, { Look::Light, Look::Dark });
     gallery.db().run(u"INSERT INTO work_memory_entries(id, scope, body, created_at) VALUES"
                      u"('g1','business','The studio closes for two weeks in August.','1'),"
                      u"('g2','owner','Signs with Marta, never with the surname.','2');"_s);
-    gallery.screens().settings.setSection(u"assistant"_s);
+    gallery.screens().settings->setSection(u"assistant"_s);
     gallery.save(u"settings-assistant"_s, { Look::Light, Look::Dark, Look::LightSmall });
-    gallery.screens().settings.setSection(u"voice"_s);
+    gallery.screens().settings->setSection(u"voice"_s);
     gallery.save(u"settings-voice"_s, { Look::Light, Look::Dark });
-    addSpeechModels(gallery.app().voice().store, *gallery.screens().settings.voice());
+    addSpeechModels(gallery.app().voice().store, *gallery.screens().settings->voice());
     gallery.save(u"settings-voice-models"_s, { Look::Light, Look::LightSmall });
-    gallery.screens().settings.setSection(u"system"_s);
+    gallery.screens().settings->setSection(u"system"_s);
     gallery.save(u"settings-system"_s, { Look::Light, Look::Dark });
-    gallery.screens().shell.closeSettings();
+    gallery.screens().shell->closeSettings();
 }
 
 }

@@ -1,6 +1,8 @@
 #include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
+#include "Shell/AppShell.h"
+#include "Terminals/TerminalsView.h"
 
 #include <QDir>
 
@@ -9,14 +11,14 @@ namespace corvane {
 void drawTerminals(Gallery& gallery)
 {
     constexpr Milliseconds pause { 700 };
-    TerminalsView& terminals = gallery.screens().terminals;
+    TerminalsView& terminals = *gallery.screens().terminals;
     const auto open = [&](const QString& name, const std::string& script) {
         LumoTerminalSession& session = terminals.createLocalSession(
             u"shell"_s, { "/bin/sh", { "-c", script }, {}, QDir::currentPath().toStdString(), {} });
         session.rename(name);
         gallery.wait(pause);
     };
-    gallery.screens().shell.selectHub(u"dev"_s);
+    gallery.screens().shell->selectHub(u"dev"_s);
     gallery.save(u"terminal-empty"_s);
     open(u"marta@studio: ~/site"_s, "Gallery/terminal.sh; cat");
     gallery.save(u"terminal-filled"_s);
@@ -33,7 +35,7 @@ void drawTerminals(Gallery& gallery)
     terminals.paste(u"cd site\nnpm run build\n./deploy.sh\n"_s);
     gallery.save(u"terminal-question"_s);
     terminals.question()->answer(false);
-    gallery.screens().shell.selectHub(u"inbox"_s);
+    gallery.screens().shell->selectHub(u"inbox"_s);
 }
 
 }

@@ -1,8 +1,10 @@
+#include "Desk/CorvaneMenuBarView.h"
 #include "Foundation/Literals.h"
 #include "Gallery.h"
 #include "Pages.h"
 
 #include "Desk/ResourceMonitor.h"
+#include "Shell/AppShell.h"
 
 #include <QDir>
 #include <QFile>
@@ -59,24 +61,24 @@ void drawToday(Gallery& gallery)
 {
     Screens& screens = gallery.screens();
     const auto draw = [&](const QString& tab, std::initializer_list<Look> looks) {
-        screens.today.setTab(tab);
+        screens.today->setTab(tab);
         gallery.save(u"today-"_s + tab, looks);
     };
     writeProcesses(AppPaths::fromEnvironment().home + u"/system"_s);
-    screens.shell.selectHub(u"today"_s);
+    screens.shell->selectHub(u"today"_s);
     draw(u"now"_s, { Look::Light, Look::Dark, Look::LightSmall });
     draw(u"calendar"_s, { Look::Light });
     draw(u"approvals"_s, { Look::Dark });
     draw(u"calls"_s, { Look::Light });
-    screens.today.setTab(u"ram"_s);
+    screens.today->setTab(u"ram"_s);
     gallery.app().resources().refresh();
     gallery.wait(Milliseconds(300));
     draw(u"ram"_s, { Look::Light, Look::Dark });
-    screens.panel.setTab(u"ram"_s);
+    screens.panel->setTab(u"ram"_s);
     gallery.savePanel(u"panel-ram"_s);
-    screens.panel.setTab(u"now"_s);
-    screens.today.setTab(u"now"_s);
-    screens.shell.selectHub(u"inbox"_s);
+    screens.panel->setTab(u"now"_s);
+    screens.today->setTab(u"now"_s);
+    screens.shell->selectHub(u"inbox"_s);
 }
 
 }

@@ -2,6 +2,8 @@
 #include "Gallery.h"
 #include "Pages.h"
 
+#include "Settings/IntegrationsView.h"
+#include "Shell/AppShell.h"
 #include "Store/Core/LocalDB.h"
 #include "Web/SessionStore.h"
 #include "Web/WebServices.h"
@@ -54,7 +56,7 @@ void drawWeb(Gallery& gallery)
     constexpr Milliseconds pause { 400 };
     WebServices& web = gallery.app().web();
     SessionStore& session = gallery.app().session();
-    PushSettings& push = *gallery.screens().settings.push();
+    PushSettings& push = *gallery.screens().settings->push();
     PushSheet& sheet = *push.sheet();
     const auto rest = [&] {
         while (web.sync.syncing() || web.push.isLookingUp() || session.busy())
@@ -63,8 +65,8 @@ void drawWeb(Gallery& gallery)
 
     Service service(gallery);
     gallery.app().defaults().setText(u"nimb.apiBaseUrl"_s, service.base());
-    gallery.screens().settings.setSection(u"sync"_s);
-    gallery.screens().shell.openSettings();
+    gallery.screens().settings->setSection(u"sync"_s);
+    gallery.screens().shell->openSettings();
     gallery.save(u"settings-sync-signed-out"_s, { Look::Light });
     web.push.attach();
     web.sync.takeUp();
@@ -100,8 +102,8 @@ void drawWeb(Gallery& gallery)
         gallery.wait(Milliseconds(50));
     rest();
     gallery.save(u"push-result"_s, { Look::Light, Look::Dark });
-    gallery.screens().settings.setSection(u"accounts"_s);
-    gallery.screens().shell.closeSettings();
+    gallery.screens().settings->setSection(u"accounts"_s);
+    gallery.screens().shell->closeSettings();
 
     gallery.press(Qt::Key_Escape);
     QMetaObject::invokeMethod(gallery.item(u"topnav.profile"_s), "clicked");

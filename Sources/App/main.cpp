@@ -1,5 +1,6 @@
 #include "AI/AIServices.h"
 #include "AI/AskLumo.h"
+#include "Desk/CorvaneMenuBarView.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
 #include "Foundation/Log.h"
@@ -17,6 +18,7 @@
 #include "Platform/Tray.h"
 #include "Shell/CommandLine.h"
 #include "Shell/CorvaneApp.h"
+#include "Shell/Notices.h"
 #include "Shell/Screens.h"
 #include "Shell/StoreRecovery.h"
 #include "UI/CaptureWindow.h"
@@ -152,11 +154,11 @@ int main(int argc, char** argv)
             capture->prepare();
         });
         dictation = std::make_unique<DictationWindow>(window->engine(), app.dictation());
-        panel = std::make_unique<PanelWindow>(window->engine(), screens->panel, screens->notices, scheduler);
+        panel = std::make_unique<PanelWindow>(window->engine(), *screens->panel, *screens->notices, scheduler);
         QObject::connect(&app, &CorvaneApp::panelRequested, panel.get(), &PanelWindow::toggle);
         QObject::connect(&app, &CorvaneApp::quitting, window.get(), &MainWindow::hide);
         QObject::connect(&app, &CorvaneApp::quitting, panel.get(), &PanelWindow::hide);
-        QObject::connect(&screens->panel, &CorvaneMenuBarView::windowRequested, window.get(), &MainWindow::show);
+        QObject::connect(screens->panel.get(), &CorvaneMenuBarView::windowRequested, window.get(), &MainWindow::show);
         if (parser.isSet(inBackground))
             app.onAppear();
         else

@@ -3,8 +3,11 @@
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
 #include "Platform/Linux/Bus/BusObject.h"
 #include "Platform/Linux/Tray/StatusNotifierTray.h"
+#include "Shell/AppShell.h"
+#include "Shell/ContentView.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "Store/Messages/IngestQueries.h"
@@ -104,8 +107,8 @@ TEST_F(CorvaneAppTest, aFirstStartShowsTheWallWhileTheEnginesRunBehindIt)
     dynamic_cast<FakeLanguageModel&>(app->ai().systemModel).willAnswer(u"Yes."_s);
     appear(4);
     EXPECT_EQ(db.scalar("SELECT response FROM ai_requests;"), "Yes.");
-    EXPECT_TRUE(screens.content.showsWall());
-    EXPECT_EQ(screens.shell.selectedNav(), "inbox");
+    EXPECT_TRUE(screens.content->showsWall());
+    EXPECT_EQ(screens.shell->selectedNav(), "inbox");
     EXPECT_EQ(startedEngines(), QStringList({ "first", "old", "unknown", "mail" }));
     EXPECT_TRUE(app->data().local.has_value());
 }
@@ -145,11 +148,11 @@ TEST_F(CorvaneAppTest, aPressOnABannerBringsTheConversationToTheFront)
     appear(0);
     const QSignalSpy windowRequested(app.get(), &CorvaneApp::windowRequested);
     ensureConversation(app->engine().db(), "WHATSAPP", "first", "1@s.whatsapp.net", "Ana", 1000);
-    const QSignalSpy selected(screens.inbox.person(), &OpenPerson::selectionChanged);
+    const QSignalSpy selected(screens.inbox->person(), &OpenPerson::selectionChanged);
 
     app->notifications().post(corvane::notifications::openConversation, "ct:WHATSAPP:1@s.whatsapp.net");
-    EXPECT_EQ(screens.shell.selectedNav(), "inbox");
-    EXPECT_EQ(screens.inbox.person()->selectedId(), "ct:WHATSAPP:1@s.whatsapp.net");
+    EXPECT_EQ(screens.shell->selectedNav(), "inbox");
+    EXPECT_EQ(screens.inbox->person()->selectedId(), "ct:WHATSAPP:1@s.whatsapp.net");
     EXPECT_EQ(windowRequested.count(), 0);
 
     app->open({ "nimb-companion://elsewhere?code=1" });
@@ -221,7 +224,7 @@ TEST_F(CorvaneAppTest, theIconAtTheTraySaysWhatWaitsAndOpensThePanel)
     const QSignalSpy windowRequested(app.get(), &CorvaneApp::windowRequested);
     Q_EMIT tray->itemChosen("openApprovals");
     EXPECT_EQ(windowRequested.count(), 1);
-    EXPECT_TRUE(screens.shell.approvals()) << "for desktops whose icons only have a menu";
+    EXPECT_TRUE(screens.shell->approvals()) << "for desktops whose icons only have a menu";
 }
 
 TEST_F(CorvaneAppTest, whereAWindowTakesTheFocusDictationSpeaksByABanner)

@@ -2,11 +2,13 @@
 // the demo's engines as real processes.
 
 #include "Approvals/ApprovalsStore.h"
+#include "Approvals/PendingDraftsView.h"
 #include "Calls/RecordedCalls.h"
 #include "Engines/AccountStore.h"
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/SystemScheduler.h"
+#include "Inbox/InboxView.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "Store/Approvals/OutboundQueries.h"
@@ -55,7 +57,7 @@ protected:
         app.reset();
     }
 
-    InboxView& inbox() { return screens->inbox; }
+    InboxView& inbox() { return *screens->inbox; }
     Composer& composer() { return *inbox().reply()->composer(); }
     CRMPane& pane() { return *inbox().person()->crm(); }
 
@@ -155,7 +157,7 @@ TEST_F(Newcomer, readsAnswersMergesApprovesAndKeepsRecords)
     sheet.submit();
     const QString stranger = "ct:WHATSAPP:34611223344@s.whatsapp.net";
     EXPECT_EQ(inbox().person()->selectedId(), stranger);
-    PendingDraftsView& drafts = screens->drafts;
+    PendingDraftsView& drafts = *screens->drafts;
     ASSERT_EQ(drafts.count(), 1);
     EXPECT_EQ(column(*drafts.rows(), "statusLabel").first(), "waiting approval");
     EXPECT_EQ(channels().size(), 0) << "nothing has gone out";

@@ -124,7 +124,7 @@ TEST_F(Recovery, noticesSayWhatIsWrongAndGoWithItsCause)
     Screens screens(*app);
     const auto texts = [&] {
         QStringList all;
-        for (const auto& item : screens.notices.items())
+        for (const auto& item : screens.notices->items())
             all.append(item.text.section(u'.', 0, 0));
         return all;
     };
@@ -139,11 +139,11 @@ TEST_F(Recovery, noticesSayWhatIsWrongAndGoWithItsCause)
     app->session().handleCallback(QUrl("nimb-companion://auth?code=x"));
     ASSERT_EQ(texts().size(), 1);
     EXPECT_TRUE(texts()[0].startsWith("Sign in as someone else?"));
-    screens.notices.perform("link", "ignore");
+    screens.notices->perform("link", "ignore");
     EXPECT_EQ(texts(), QStringList());
     app->defaults().setText("nimb.apiBaseUrl", "http://nimb.example");
     app->session().startSignIn();
     EXPECT_TRUE(texts().value(0).startsWith("Sign-in failed: The web address is not encrypted"));
-    screens.notices.perform("signIn", "dismiss");
+    screens.notices->perform("signIn", "dismiss");
     EXPECT_EQ(texts(), QStringList());
 }

@@ -6,6 +6,7 @@
 #include "Shell/ContentView.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/LoginWallView.h"
+#include "Shell/ProfileMenu.h"
 #include "Shell/Screens.h"
 #include "Store/Core/Workspaces.h"
 #include "Support/Await.h"
@@ -163,8 +164,8 @@ protected:
     Screens screens { app };
     SessionStore& session = app.session();
     LocalDB& db = app.db();
-    AppShell& shell = screens.shell;
-    ProfileMenu& menu = screens.profile;
+    AppShell& shell = *screens.shell;
+    ProfileMenu& menu = *screens.profile;
 };
 
 }
@@ -211,7 +212,7 @@ TEST_F(Profile, opensTheSettingsAndSignsOut)
     EXPECT_EQ(shell.selectedNav(), "cx");
     menu.perform(menu.actions()[1].id);
     EXPECT_FALSE(session.signedIn());
-    EXPECT_TRUE(screens.content.showsWall());
+    EXPECT_TRUE(screens.content->showsWall());
 }
 
 }

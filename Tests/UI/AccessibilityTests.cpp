@@ -1,4 +1,8 @@
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
+#include "Settings/IntegrationsView.h"
+#include "Shell/AppShell.h"
+#include "Shell/ContentView.h"
 #include "UI/WindowTest.h"
 
 #include <QAccessible>

@@ -1,9 +1,19 @@
+#include "Approvals/ApprovalsStore.h"
+#include "Approvals/ApprovalsView.h"
+#include "Desk/CorvaneMenuBarView.h"
+#include "Engines/DraftDelivery.h"
+#include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
+#include "Settings/IntegrationsView.h"
+#include "Shell/AppShell.h"
+#include "Shell/Notices.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/Await.h"
 #include "Support/WaitingItems.h"
 #include "UI/PanelWindow.h"
 #include "UI/WindowTest.h"
+#include "Web/SessionStore.h"
 
 namespace corvane {
 
@@ -59,7 +69,7 @@ protected:
         return cell(u"SELECT "_s + column + u" FROM outbound_draft WHERE id='d1';"_s);
     }
 
-    PanelWindow panel { window.engine(), screens.panel, screens.notices, clock };
+    PanelWindow panel { window.engine(), *screens.panel, *screens.notices, clock };
 };
 
 }
@@ -85,7 +95,7 @@ TEST_F(ApprovalsWindow, aPersonDecidesOnThePageWithKeysAlone)
     type(u"jk no"_s);
     press(Qt::Key_Escape);
     EXPECT_TRUE(shell.approvals()) << "the first Esc leaves the text alone";
-    EXPECT_EQ(screens.approvals.editor()->draftId(), QString());
+    EXPECT_EQ(screens.approvals->editor()->draftId(), QString());
     press(Qt::Key_F2);
     press(Qt::Key_A, Qt::ControlModifier);
     type(u"Friday"_s);
@@ -157,13 +167,13 @@ TEST_F(ApprovalsWindow, whatWaitsShowsInTheBarTheSettingsAndThePaletteWithTheSam
     EXPECT_TRUE(shell.approvals());
     EXPECT_TRUE(state().startsWith(u"Sending…"_s));
     click(u"approval.undo"_s);
-    EXPECT_EQ(screens.approvals.waiting(), 3);
+    EXPECT_EQ(screens.approvals->waiting(), 3);
     shell.selectHub(u"inbox"_s);
     EXPECT_FALSE(shell.approvals());
     centre.post(notifications::approvalAction, {},
         { { u"kind"_s, u"decision"_s }, { u"id"_s, u"w1"_s }, { u"action"_s, u"open"_s } });
     EXPECT_TRUE(shell.approvals()) << "a press on the banner itself";
-    EXPECT_EQ(screens.approvals.waiting(), 3);
+    EXPECT_EQ(screens.approvals->waiting(), 3);
     shell.selectHub(u"inbox"_s);
     centre.post(notifications::approvalAction, {},
         { { u"kind"_s, u"decision"_s }, { u"id"_s, u"w1"_s }, { u"action"_s, u"approve"_s } });
@@ -181,11 +191,11 @@ TEST_F(ApprovalsWindow, thePanelAtTheTrayIsWorkedWithKeysAndClosesWhenDone)
     EXPECT_TRUE(focusWithin(u"panel.line.approvals"_s));
     item(u"panel.notice"_s);
     press(Qt::Key_Return);
-    EXPECT_EQ(screens.panel.tab(), u"approvals"_s);
+    EXPECT_EQ(screens.panel->tab(), u"approvals"_s);
     ASSERT_TRUE(focusWithin(u"approvals.list"_s));
     press(Qt::Key_Return, Qt::ControlModifier);
     press(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(screens.approvals.waiting(), 3);
+    EXPECT_EQ(screens.approvals->waiting(), 3);
     press(Qt::Key_Return, Qt::ControlModifier);
     clock.advance(seconds(6));
     EXPECT_NE(draft(u"status"_s), u"pending"_s);
@@ -215,7 +225,7 @@ TEST_F(ApprovalsWindow, thePanelTellsTheDayAndWhatIsWrongWithTheWebAccount)
     openPanel();
     const auto lines = [&] {
         QStringList told;
-        for (const auto& line : screens.panel.today())
+        for (const auto& line : screens.panel->today())
             told.append(line.text);
         return told;
     };
@@ -225,17 +235,18 @@ TEST_F(ApprovalsWindow, thePanelTellsTheDayAndWhatIsWrongWithTheWebAccount)
             u"Quick capture — task or note"_s }));
     engines.db().exec(u"INSERT INTO calendar_event(id, workspace_id, title, start_ms, end_ms, updated_at) "
                       "VALUES('e', 'local', 'Fair', 1, 2, 1);"_s);
-    screens.panel.setVisible(true);
+    screens.panel->setVisible(true);
     EXPECT_TRUE(lines().contains(u"No meetings today"_s)) << "a calendar is connected";
-    EXPECT_EQ(screens.panel.noticeText(), u"Sign in to link this computer to your Nimb workspace and start syncing."_s);
+    EXPECT_EQ(
+        screens.panel->noticeText(), u"Sign in to link this computer to your Nimb workspace and start syncing."_s);
     session.setAuth(u"header.e30.signature"_s, u"device"_s);
     rest();
     EXPECT_EQ(findItem(u"panel.notice"_s), nullptr);
     session.setWebRejected(true);
     rest();
-    EXPECT_EQ(screens.panel.noticeTitle(), u"Web session expired — sync is down"_s);
+    EXPECT_EQ(screens.panel->noticeTitle(), u"Web session expired — sync is down"_s);
     item(u"panel.notice"_s);
-    ASSERT_FALSE(screens.panel.glance().isEmpty());
+    ASSERT_FALSE(screens.panel->glance().isEmpty());
     QMetaObject::invokeMethod(item(u"panel.glance"_s), "clicked");
     EXPECT_FALSE(panel.isShown());
     EXPECT_NE(inbox.person()->selectedId(), QString());

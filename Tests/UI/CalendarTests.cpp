@@ -1,4 +1,9 @@
+#include "Calendar/CalendarView.h"
+#include "Calls/CallServices.h"
+#include "Desk/CorvaneMenuBarView.h"
 #include "Foundation/Literals.h"
+#include "Presentation/Commands.h"
+#include "Shell/AppShell.h"
 #include "Support/Await.h"
 #include "UI/WindowTest.h"
 
@@ -34,7 +39,7 @@ TEST_F(CalendarWindow, aPersonConnectsWritesAnEventAndPreparesForIt)
     ASSERT_TRUE(awaitItem(u"calendar.new"_s));
     EXPECT_TRUE(await([&] {
         rest();
-        return screens.calendar.canAdd();
+        return screens.calendar->canAdd();
     }));
     click(u"calendar.new"_s);
     EXPECT_TRUE(focusWithin(u"newEvent.title"_s));
@@ -58,17 +63,17 @@ TEST_F(CalendarWindow, aPersonConnectsWritesAnEventAndPreparesForIt)
     EXPECT_FALSE(findItem(u"calendar.event"_s)) << "the next week";
     press(Qt::Key_T);
     press(Qt::Key_D);
-    EXPECT_FALSE(screens.calendar.isWeek());
+    EXPECT_FALSE(screens.calendar->isWeek());
 }
 
 TEST_F(CalendarWindow, theDayStandsInTheWindowTooWithItsTabsUnderKeysAndInThePalette)
 {
     press(Qt::Key_8, Qt::ControlModifier);
     EXPECT_TRUE(focusWithin(u"panel.line.approvals"_s));
-    EXPECT_TRUE(screens.today.isVisible());
+    EXPECT_TRUE(screens.today->isVisible());
     press(Qt::Key_4);
-    EXPECT_EQ(screens.today.tab(), u"calendar"_s);
-    EXPECT_EQ(screens.panel.tab(), u"now"_s) << "the panel at the tray keeps its own";
+    EXPECT_EQ(screens.today->tab(), u"calendar"_s);
+    EXPECT_EQ(screens.panel->tab(), u"now"_s) << "the panel at the tray keeps its own";
     press(Qt::Key_5);
     click(u"panel.autoRecord"_s);
     ASSERT_TRUE(awaitItem(u"panel.requireApp"_s));
@@ -76,10 +81,10 @@ TEST_F(CalendarWindow, theDayStandsInTheWindowTooWithItsTabsUnderKeysAndInThePal
     click(u"panel.systemAudio"_s);
     EXPECT_TRUE(calls.settings.requireMeetingApp() && calls.settings.systemAudio());
     press(Qt::Key_5, Qt::ControlModifier);
-    EXPECT_FALSE(screens.today.isVisible()) << "nothing is read for it any more";
+    EXPECT_FALSE(screens.today->isVisible()) << "nothing is read for it any more";
     screens.commands.run(u"today.ram"_s);
     rest();
-    EXPECT_EQ(screens.shell.selectedNav(), u"today"_s);
+    EXPECT_EQ(screens.shell->selectedNav(), u"today"_s);
     item(u"ram.processes"_s);
 }
 

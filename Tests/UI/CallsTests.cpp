@@ -1,4 +1,8 @@
+#include "Calls/CallServices.h"
+#include "Calls/CallsView.h"
 #include "Foundation/Literals.h"
+#include "Settings/IntegrationsView.h"
+#include "Shell/AppShell.h"
 #include "Support/Await.h"
 #include "Support/SpokenSound.h"
 #include "UI/WindowTest.h"
@@ -35,7 +39,7 @@ TEST_F(CallsWindow, aPersonRecordsReadsAppliesAndFindsACall)
     callAudio.microphone->seconds = 5;
     clock.advance(Milliseconds(600));
     press(Qt::Key_M, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_EQ(screens.calls.recording()->marksText(), "1 mark");
+    EXPECT_EQ(screens.calls->recording()->marksText(), "1 mark");
     recogniser.says = { { 0, 1000, u"ship on Friday"_s }, { 2000, 3000, u"send the offer"_s } };
     model->willAnswer(u"Summary: Ship.\nFollow-up: Send the offer."_s);
     click(u"recording.stop"_s);
@@ -44,21 +48,21 @@ TEST_F(CallsWindow, aPersonRecordsReadsAppliesAndFindsACall)
     press(Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_TRUE(await([this] {
         rest();
-        return screens.calls.page()->stateText() == u"Ready";
+        return screens.calls->page()->stateText() == u"Ready";
     }));
     click(u"call.apply"_s);
-    const QList<CallProposalRow> proposals = screens.calls.page()->proposals()->rows();
+    const QList<CallProposalRow> proposals = screens.calls->page()->proposals()->rows();
     EXPECT_NE(proposals.value(1).state + proposals.value(0).error, "");
     item(u"call.notes.text"_s)->forceActiveFocus();
     type(u"bring tea"_s);
-    screens.calls.page()->reload();
+    screens.calls->page()->reload();
     rest();
     EXPECT_EQ(item(u"call.notes.text"_s)->property("text"), "bring tea") << "what is typed stays";
     click(u"calls.search"_s);
     type(u"offer"_s);
     rest();
-    EXPECT_EQ(screens.calls.page()->transcript()->firstHit(), 1);
-    screens.calls.page()->transcript()->playTurn(1);
+    EXPECT_EQ(screens.calls->page()->transcript()->firstHit(), 1);
+    screens.calls->page()->transcript()->playTurn(1);
     EXPECT_EQ(callMicrophone.position, 2000);
     press(Qt::Key_Escape);
     press(Qt::Key_Escape);

@@ -1,5 +1,9 @@
 #include "Care/Backup/BackupKeeper.h"
+#include "Care/Doctor/DoctorView.h"
+#include "Engines/AccountStore.h"
 #include "Foundation/Literals.h"
+#include "Settings/IntegrationsView.h"
+#include "Shell/AppShell.h"
 #include "Support/Await.h"
 #include "UI/WindowTest.h"
 
@@ -26,9 +30,9 @@ TEST_F(CareWindow, aPersonBacksUpLooksWhatIsWrongAndReadsTheHelp)
 
     home.write(u"share/Corvane/accounts.json"_s, "[{"_ba);
     click(u"care.check"_s);
-    ASSERT_TRUE(await([this] { return !screens.doctor.busy(); }));
+    ASSERT_TRUE(await([this] { return !screens.doctor->busy(); }));
     rest();
-    EXPECT_EQ(screens.doctor.findings().first().stateText(), u"Broken"_s);
+    EXPECT_EQ(screens.doctor->findings().first().stateText(), u"Broken"_s);
     EXPECT_NE(findItem(u"care.check"_s), nullptr);
     picture();
 

@@ -1,4 +1,10 @@
+#include "Approvals/PendingDraftsView.h"
+#include "Engines/AccountStore.h"
+#include "Engines/DraftDelivery.h"
+#include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
+#include "Settings/IntegrationsView.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/Await.h"
@@ -212,9 +218,9 @@ TEST_F(ComposerWindow, aDraftIsReadEditedAndSentAfterAQuestionInItsLine)
     clock.advance(seconds(5));
     EXPECT_EQ(sent(), QStringList(u"Friday"_s));
     queue(u"Never mind"_s);
-    screens.drafts.askToConfirm(cell(u"SELECT id FROM outbound_draft WHERE status='pending';"_s));
+    screens.drafts->askToConfirm(cell(u"SELECT id FROM outbound_draft WHERE status='pending';"_s));
     rest();
-    screens.drafts.cancelConfirm();
+    screens.drafts->cancelConfirm();
     rest();
     click(u"draft.line"_s);
     click(u"draft.discard"_s);
@@ -240,7 +246,7 @@ TEST_F(ComposerWindow, aMessageToSomebodyNewIsQueued)
     click(u"newMessage.submit"_s);
     EXPECT_EQ(findItem(u"newMessage"_s), nullptr);
     EXPECT_EQ(inbox.person()->selectedId(), u"ct:WHATSAPP:4917012345@s.whatsapp.net"_s);
-    EXPECT_EQ(screens.drafts.count(), 1);
+    EXPECT_EQ(screens.drafts->count(), 1);
     EXPECT_EQ(sent(), QStringList());
 
     for (int pane = 0; pane < 7 && !focusWithin(u"draft.line"_s); ++pane)

@@ -1,4 +1,7 @@
+#include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
+#include "Shell/AppShell.h"
 #include "Store/People/ContactInfo.h"
 #include "WindowTest.h"
 

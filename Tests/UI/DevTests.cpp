@@ -1,6 +1,10 @@
+#include "Browser/BrowserView.h"
+#include "Dev/TerminalWorkspaceView.h"
 #include "Foundation/Literals.h"
+#include "Shell/AppShell.h"
 #include "Support/Await.h"
 #include "Support/PlayedConnection.h"
+#include "Terminals/TerminalsView.h"
 #include "UI/WindowTest.h"
 
 #include <QClipboard>
@@ -18,7 +22,7 @@ protected:
         showEmptyInbox();
         press(Qt::Key_6, Qt::ControlModifier);
     }
-    QString selectedTab() const { return screens.dev.tab(); }
+    QString selectedTab() const { return screens.dev->tab(); }
 };
 
 }
@@ -34,12 +38,12 @@ TEST_F(DevWindow, aProjectIsMadeWorkedOnAndHandedToAnAgent)
     EXPECT_TRUE(QFile::exists(home.paths().home + u"/nimb/state/projects/shop-site/PROJECT.md"_s));
     EXPECT_NE(item(u"dev.project:Shop site"_s), nullptr);
 
-    for (const TabItem& tab : screens.dev.tabs()) {
+    for (const TabItem& tab : screens.dev->tabs()) {
         click(u"dev.tab:"_s + tab.id);
         EXPECT_EQ(selectedTab(), tab.id);
     }
     click(u"dev.tab:srs"_s);
-    screens.dev.srs()->seed();
+    screens.dev->srs()->seed();
     rest();
     click(u"srs:users"_s);
     type(u"Potters"_s);
@@ -51,7 +55,7 @@ TEST_F(DevWindow, aProjectIsMadeWorkedOnAndHandedToAnAgent)
     EXPECT_NE(item(u"item.title"_s), nullptr);
     EXPECT_EQ(cell(u"SELECT title FROM work_item;"_s), u"Investigate reported bug"_s);
     press(Qt::Key_Escape);
-    EXPECT_EQ(screens.dev.tasks()->item()->itemId(), QString());
+    EXPECT_EQ(screens.dev->tasks()->item()->itemId(), QString());
 
     click(u"dev.tab:assistant"_s);
     click(u"dev.prompt"_s);
@@ -85,7 +89,7 @@ TEST_F(DevWindow, aBugIsFiledInTwoClicksAndItsEvidenceIsReadOnTheBoard)
     EXPECT_NE(item(u"browser.empty"_s), nullptr);
     EXPECT_TRUE(focusWithin(u"browser.address"_s));
     auto* const page = new PlayedConnection;
-    screens.browser.browser()->adopt(page);
+    screens.browser->browser()->adopt(page);
     page->showFrame(PlayedConnection::jpeg({ 1280, 800 }), 1);
     page->logError(u"The price is missing."_s);
     ASSERT_TRUE(await([this] {
@@ -99,7 +103,7 @@ TEST_F(DevWindow, aBugIsFiledInTwoClicksAndItsEvidenceIsReadOnTheBoard)
     EXPECT_TRUE(focusWithin(u"browserReport.title"_s));
     click(u"browserReport.submit"_s);
     clock.advance(seconds(3)); // the page never reports its password fields; wait for the time limit
-    ASSERT_TRUE(await([this] { return screens.browser.sheet()->purpose() == BrowserReportSheet::Purpose::Closed; }));
+    ASSERT_TRUE(await([this] { return screens.browser->sheet()->purpose() == BrowserReportSheet::Purpose::Closed; }));
     rest();
     click(u"browser.notice.action"_s);
     EXPECT_EQ(selectedTab(), u"tasks"_s);
@@ -116,7 +120,7 @@ TEST_F(DevWindow, aBugIsFiledInTwoClicksAndItsEvidenceIsReadOnTheBoard)
 TEST_F(DevWindow, lumoHoldsTheConsoleWithTheSameTerminals)
 {
     press(Qt::Key_Return);
-    EXPECT_EQ(screens.terminals.count(), 1);
+    EXPECT_EQ(screens.terminals->count(), 1);
     shell.selectHub(u"lumo"_s);
     rest();
     click(u"work.place:console"_s);

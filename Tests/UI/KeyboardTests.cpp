@@ -1,4 +1,10 @@
+#include "Calendar/CalendarView.h"
+#include "Engines/DraftDelivery.h"
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
+#include "Settings/IntegrationsView.h"
+#include "Shell/AppShell.h"
+#include "Shell/ContentView.h"
 #include "Store/Core/Workspaces.h"
 #include "Store/People/CrmRecords.h"
 #include "UI/WindowTest.h"
@@ -196,9 +202,9 @@ TEST_F(KeyboardTest, aSearchLeadsToTheNoteOfAPersonAndToTheDayOfAnEvent)
     EXPECT_TRUE(focusWithin(u"contact.section.notes"_s));
     openOnly(u"open the"_s);
     EXPECT_EQ(shell.selectedNav(), u"calendar"_s);
-    const QString shown = screens.calendar.title();
-    screens.calendar.today();
-    EXPECT_NE(screens.calendar.title(), shown);
+    const QString shown = screens.calendar->title();
+    screens.calendar->today();
+    EXPECT_NE(screens.calendar->title(), shown);
 }
 
 TEST_F(KeyboardTest, hubsAndSettingsHaveTheirKeys)

@@ -1,4 +1,6 @@
+#include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
 #include "UI/WindowTest.h"
 
 #include <QTest>

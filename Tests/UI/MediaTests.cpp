@@ -1,4 +1,5 @@
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
 #include "Support/Await.h"
 #include "UI/WindowTest.h"
 

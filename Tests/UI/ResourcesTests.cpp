@@ -1,5 +1,8 @@
+#include "Desk/CorvaneMenuBarView.h"
 #include "Desk/ResourceMonitor.h"
 #include "Foundation/Literals.h"
+#include "Shell/AppShell.h"
+#include "Shell/Notices.h"
 #include "Support/Await.h"
 #include "UI/PanelWindow.h"
 #include "UI/WindowTest.h"
@@ -19,7 +22,7 @@ protected:
         WindowTest::TearDown();
     }
 
-    PanelWindow panel { window.engine(), screens.panel, screens.notices, clock };
+    PanelWindow panel { window.engine(), *screens.panel, *screens.notices, clock };
 };
 
 }
@@ -31,7 +34,7 @@ TEST_F(ResourcesWindow, aProcessIsEndedFromThePanelWithKeysAfterAQuestion)
     ASSERT_TRUE(await([&] { return shell.canReadLine(); }));
     const QString detail = u"Claude · "_s + QString::fromLatin1(shell.readLine()).trimmed();
     showEmptyInbox();
-    ResourcesView& resources = *screens.panel.resources();
+    ResourcesView& resources = *screens.panel->resources();
     panel.toggle({});
     rest();
     turnTo(panel.window());

@@ -1,9 +1,17 @@
+#include "Engines/AccountStore.h"
+#include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
+#include "Settings/IntegrationsView.h"
+#include "Shell/AppShell.h"
+#include "Shell/ProfileMenu.h"
+#include "Shell/StoreRecovery.h"
 #include "Store/Core/StoreHealth.h"
 #include "Support/Await.h"
 #include "Support/Environment.h"
 #include "Support/Places.h"
 #include "UI/WindowTest.h"
+#include "Web/SessionStore.h"
 
 #include <QSet>
 #include <QSignalSpy>

@@ -1,8 +1,11 @@
 #include "Foundation/Literals.h"
+#include "Shell/AppShell.h"
 #include "Support/Await.h"
+#include "Terminals/TerminalsView.h"
 #include "UI/Terminals/TerminalItem.h"
 #include "UI/Terminals/TerminalKeys.h"
 #include "UI/WindowTest.h"
+#include "Web/SessionStore.h"
 
 #include <QAccessible>
 #include <QClipboard>
@@ -26,7 +29,7 @@ protected:
 
     TerminalItem& open(const std::string& script)
     {
-        screens.terminals.createLocalSession(u"test"_s, { "/bin/sh", { "-c", script }, {}, {}, {} });
+        screens.terminals->createLocalSession(u"test"_s, { "/bin/sh", { "-c", script }, {}, {}, {} });
         rest();
         return *qobject_cast<TerminalItem*>(item(u"terminal"_s));
     }
@@ -37,7 +40,7 @@ protected:
             return terminal.shownText().contains(text);
         });
     }
-    QString question() { return screens.terminals.question()->text(); }
+    QString question() { return screens.terminals->question()->text(); }
 };
 
 ShownRow rowOf(std::u32string_view text, const Style& style = {})
@@ -62,10 +65,10 @@ int inked(const QImage& image, int y)
 
 TEST_F(TerminalWindow, aShellOpensAtAKeyPressAndTakesEveryKeyButTheWindowsOwn)
 {
-    EXPECT_EQ(screens.terminals.count(), 0);
+    EXPECT_EQ(screens.terminals->count(), 0);
     press(Qt::Key_Return);
-    EXPECT_EQ(screens.terminals.count(), 1);
-    screens.terminals.closeCurrent();
+    EXPECT_EQ(screens.terminals->count(), 1);
+    screens.terminals->closeCurrent();
 
     TerminalItem& terminal = open("stty raw -echo; printf 'ready\\r\\n'; cat -v");
     ASSERT_TRUE(terminal.hasActiveFocus());
@@ -83,9 +86,9 @@ TEST_F(TerminalWindow, aShellOpensAtAKeyPressAndTakesEveryKeyButTheWindowsOwn)
     EXPECT_TRUE(terminal.shownText().contains(u"Jk?^K"_s)) << terminal.shownText().toStdString();
     EXPECT_EQ(shell.selectedNav(), u"dev"_s);
     press(Qt::Key_T, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_EQ(screens.terminals.count(), 2);
+    EXPECT_EQ(screens.terminals->count(), 2);
     press(Qt::Key_PageUp, Qt::ControlModifier);
-    EXPECT_EQ(screens.terminals.current()->label(), u"local-test-1"_s);
+    EXPECT_EQ(screens.terminals->current()->label(), u"local-test-1"_s);
     press(Qt::Key_5, Qt::ControlModifier);
     EXPECT_EQ(shell.selectedNav(), u"inbox"_s);
 }
@@ -112,7 +115,7 @@ TEST_F(TerminalWindow, whatIsShownIsFoundSelectedCopiedAndReadAloud)
     press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), u"https://example.org/a"_s);
     QString opened;
-    screens.terminals.setBrowser([&opened](const QString& address) {
+    screens.terminals->setBrowser([&opened](const QString& address) {
         opened = address;
         return true;
     });
@@ -134,7 +137,7 @@ TEST_F(TerminalWindow, aQuestionStandsOverTheTerminalAndIsAnsweredByKey)
     ASSERT_TRUE(awaitShown(terminal, u"ready"_s));
     EXPECT_TRUE(question().endsWith(u"“secret”"_s));
     EXPECT_TRUE(terminal.hasActiveFocus()); // the question is unrequested: a Return while typing must not grant it
-    screens.terminals.question()->answer(true);
+    screens.terminals->question()->answer(true);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), u"secret"_s);
 
     QGuiApplication::clipboard()->setText(u"one\ntwo\n"_s);
@@ -173,13 +176,13 @@ TEST_F(TerminalWindow, tenTerminalsRunAndAFloodOutOfSightEndsWhole)
         open("cat");
     TerminalItem& terminal = open("seq 1 100000; printf done; cat");
     press(Qt::Key_5, Qt::ControlModifier);
-    LumoTerminalSession& session = *screens.terminals.current();
+    LumoTerminalSession& session = *screens.terminals->current();
     EXPECT_TRUE(await([&] { return session.transcript().snapshot(500).endsWith(u"done"_s); }));
     static_cast<void>(terminal);
     press(Qt::Key_6, Qt::ControlModifier);
     TerminalItem& again = *qobject_cast<TerminalItem*>(item(u"terminal"_s));
     EXPECT_TRUE(awaitShown(again, u"100000\ndone"_s));
-    EXPECT_EQ(screens.terminals.count(), 10);
+    EXPECT_EQ(screens.terminals->count(), 10);
 }
 
 TEST(TerminalPicture, linesMeetEmojiKeepTheirColoursAndEveryColourReads)

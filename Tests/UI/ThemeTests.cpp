@@ -1,4 +1,5 @@
 #include "Foundation/Literals.h"
+#include "Settings/Appearance.h"
 #include "UI/WindowTest.h"
 
 #include <cmath>

@@ -1,4 +1,7 @@
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
+#include "Settings/IntegrationsView.h"
+#include "Shell/AppShell.h"
 #include "Support/Await.h"
 #include "Support/SpokenSound.h"
 #include "UI/DictationWindow.h"

@@ -1,8 +1,12 @@
 #include "Foundation/Literals.h"
+#include "Settings/IntegrationsView.h"
+#include "Shell/AppShell.h"
+#include "Shell/ProfileMenu.h"
 #include "Support/DemoWeb.h"
 #include "UI/WindowTest.h"
 
 #include "Support/Await.h"
+#include "Web/SessionStore.h"
 #include "Web/WebServices.h"
 
 namespace corvane {

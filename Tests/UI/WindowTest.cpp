@@ -1,6 +1,12 @@
 #include "UI/WindowTest.h"
 
+#include "Approvals/ApprovalsStore.h"
+#include "Engines/AccountStore.h"
+#include "Engines/DraftDelivery.h"
+#include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
+#include "Shell/ContentView.h"
 #include "Support/Await.h"
 
 #include <QQmlComponent>

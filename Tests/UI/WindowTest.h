@@ -1,10 +1,6 @@
 #pragma once
 
-#include "Approvals/ApprovalsStore.h"
-#include "Calls/CallServices.h"
-#include "Engines/AccountStore.h"
-#include "Engines/DraftDelivery.h"
-#include "Engines/EngineManager.h"
+#include "Foundation/Channel.h"
 #include "Foundation/Literals.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
@@ -13,13 +9,25 @@
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
 #include "UI/MainWindow.h"
-#include "Web/SessionStore.h"
 
 #include <QImage>
 #include <QQuickItem>
 #include <gtest/gtest.h>
 
 namespace corvane {
+
+class AccountStore;
+class AppShell;
+class Appearance;
+class ApprovalsStore;
+class ContentView;
+class DraftDelivery;
+class EngineManager;
+class InboxView;
+class IntegrationsView;
+class ProfileMenu;
+class SessionStore;
+class StoreRecovery;
 
 /// Collects warnings of Qt and QML instead of printing them to standard error. The window must not cause any.
 class Warnings {
@@ -119,12 +127,12 @@ protected:
     StoreRecovery& recovery = app.recovery();
     CallServices& calls = app.calls();
     Screens screens { app };
-    Appearance& appearance = screens.appearance;
-    ContentView& content = screens.content;
-    AppShell& shell = screens.shell;
-    ProfileMenu& profile = screens.profile;
-    InboxView& inbox = screens.inbox;
-    IntegrationsView& settings = screens.settings;
+    Appearance& appearance = *screens.appearance;
+    ContentView& content = *screens.content;
+    AppShell& shell = *screens.shell;
+    ProfileMenu& profile = *screens.profile;
+    InboxView& inbox = *screens.inbox;
+    IntegrationsView& settings = *screens.settings;
     MainWindow window { screens, defaults, app.decoder() };
 
 private:

@@ -1,9 +1,15 @@
+#include "Approvals/ApprovalsStore.h"
+#include "Dev/LumoScreen.h"
 #include "Foundation/Literals.h"
+#include "Inbox/InboxView.h"
 #include "Support/Await.h"
 #include "UI/Terminals/TerminalItem.h"
 #include "UI/WindowTest.h"
 
 #include "Store/Work/WorkWrites.h"
+#include "Work/CXHub.h"
+#include "Work/GTMHub.h"
+#include "Work/OpsHub.h"
 
 #include <QTest>
 
@@ -45,7 +51,7 @@ TEST_F(WorkWindow, aPersonFilesAnInvoiceCheckDecidesAndReadsTheStory)
     click(u"work.newContext"_s);
     fill(u"create.title"_s, u"November invoices"_s);
     click(u"create.submit"_s);
-    ASSERT_EQ(screens.ops.shell()->header()->title(), "November invoices");
+    ASSERT_EQ(screens.ops->shell()->header()->title(), "November invoices");
     click(u"work.newItem"_s);
     click(u"create.submit"_s);
     EXPECT_EQ(item(u"create.message"_s)->property("text"), "Title is required.");
@@ -66,21 +72,21 @@ TEST_F(WorkWindow, aPersonFilesAnInvoiceCheckDecidesAndReadsTheStory)
     click(u"decision.approve:Review Pay the clay"_s);
     EXPECT_EQ(cell(u"SELECT status FROM work_decision;"_s), "approved");
     insertWorkDecision(
-        app.db(), { "ops", screens.ops.shell()->rail()->selectedContextId(), "Order glaze", "", "", "" });
+        app.db(), { "ops", screens.ops->shell()->rail()->selectedContextId(), "Order glaze", "", "", "" });
     approvals.refresh();
     approvals.decide({ ApprovalKind::Decision, cell(u"SELECT id FROM work_decision WHERE title='Order glaze';"_s) },
         Verdict::Approve, Milliseconds(0));
     clock.advance(seconds(4));
-    EXPECT_EQ(screens.ops.shell()->decisions()->decisionRows().size(), 2) << "what is decided elsewhere is shown here";
-    for (const TabItem& tab : screens.ops.shell()->tabs())
+    EXPECT_EQ(screens.ops->shell()->decisions()->decisionRows().size(), 2) << "what is decided elsewhere is shown here";
+    for (const TabItem& tab : screens.ops->shell()->tabs())
         click(u"work.tab:"_s + tab.id);
-    EXPECT_EQ(screens.ops.shell()->history()->timelineRows().size(), 6)
+    EXPECT_EQ(screens.ops->shell()->history()->timelineRows().size(), 6)
         << "filed, held, approved, what was said, and the other";
     press(Qt::Key_K, Qt::ControlModifier);
     type(u"clay"_s);
     ASSERT_TRUE(await([&] { return inbox.palette()->items()->rowCount() > 1; }));
     press(Qt::Key_Return);
-    EXPECT_EQ(screens.ops.shell()->item()->title(), "Pay the clay") << "the palette finds it";
+    EXPECT_EQ(screens.ops->shell()->item()->title(), "Pay the clay") << "the palette finds it";
 }
 
 TEST_F(WorkWindow, aLocalShellShowsItsTextAndRunsNothingOfIt)
@@ -100,7 +106,7 @@ TEST_F(WorkWindow, aLocalShellShowsItsTextAndRunsNothingOfIt)
     EXPECT_TRUE(terminal->hasActiveFocus());
     click(u"shells.fold"_s);
     EXPECT_EQ(findItem(u"terminal"_s), nullptr);
-    EXPECT_EQ(screens.ops.shell()->shells()->view()->count(), 1) << "it goes on";
+    EXPECT_EQ(screens.ops->shell()->shells()->view()->count(), 1) << "it goes on";
 }
 
 TEST_F(WorkWindow, everyPlaceOfEachHubIsDrawn)
@@ -116,8 +122,8 @@ TEST_F(WorkWindow, everyPlaceOfEachHubIsDrawn)
     db.run(u"INSERT INTO crm_deal(id, workspace_id, name, stage, value, updated_at) "
            "VALUES('d','local','Plates','Proposal','€1.8k',1);"_s);
     for (const auto& [hub, workspace] :
-        { std::pair(u"lumo"_s, screens.lumo.shell()), std::pair(u"gtm"_s, screens.gtm.shell()),
-            std::pair(u"cx"_s, screens.cx.shell()), std::pair(u"ops"_s, screens.ops.shell()) }) {
+        { std::pair(u"lumo"_s, screens.lumo->shell()), std::pair(u"gtm"_s, screens.gtm->shell()),
+            std::pair(u"cx"_s, screens.cx->shell()), std::pair(u"ops"_s, screens.ops->shell()) }) {
         click(u"topnav."_s + hub);
         for (const TabItem& place : workspace->rail()->places())
             click(u"work.place:"_s + place.id);

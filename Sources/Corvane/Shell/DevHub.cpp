@@ -1,9 +1,13 @@
 #include "Shell/DevHub.h"
 
+#include "Browser/BrowserView.h"
+#include "Dev/TerminalWorkspaceView.h"
 #include "Foundation/Literals.h"
+#include "Shell/AppShell.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/Screens.h"
 #include "Shell/WorkHubs.h"
+#include "Terminals/TerminalsView.h"
 #include "Web/WebClient.h"
 
 #include <algorithm>
@@ -18,7 +22,7 @@ Command devCommand(Screens& screens, const QString& id, const QString& action, c
     Command command { .id = id };
     command.action = action;
     command.run = [&screens, run] {
-        screens.shell.selectHub(u"dev"_s);
+        screens.shell->selectHub(u"dev"_s);
         run();
     };
     return command;
@@ -29,8 +33,8 @@ Command devCommand(Screens& screens, const QString& id, const QString& action, c
 DevDesk devDesk(CorvaneApp& app, Screens& screens, const WorkConsoleContext& console)
 {
     return { .work = workServices(app),
-        .terminals = screens.terminals,
-        .browser = screens.browser,
+        .terminals = *screens.terminals,
+        .browser = *screens.browser,
         .desktop = app.desktop(),
         .home = app.paths().home,
         .console = console };
@@ -43,7 +47,7 @@ BrowserView::Surroundings devBrowser(CorvaneApp& app, Screens& screens)
     return { app.db(), app.defaults(), app.desktop(),
         { app.scheduler(), app.launcher(), app.portHolders(), app.paths(), options },
         [&screens](const QString& label, const QString& command) {
-            screens.dev.openTerminal(label, command);
+            screens.dev->openTerminal(label, command);
         } };
 }
 
@@ -51,16 +55,16 @@ bool showInBrowser(Screens& screens, const QString& address)
 {
     if (chromiumPath().isEmpty())
         return false;
-    screens.shell.selectHub(u"dev"_s);
-    screens.dev.setWorkspaceTab(DevWorkspaceTab::Browser);
-    screens.browser.setAddress(address);
-    screens.browser.open();
+    screens.shell->selectHub(u"dev"_s);
+    screens.dev->setWorkspaceTab(DevWorkspaceTab::Browser);
+    screens.browser->setAddress(address);
+    screens.browser->open();
     return true;
 }
 
 QList<Command> devCommands(Screens& screens)
 {
-    TerminalWorkspaceView& dev = screens.dev;
+    TerminalWorkspaceView& dev = *screens.dev;
     QList<Command> commands;
     for (const TabItem& tab : dev.tabs()) {
         commands.append(devCommand(
@@ -83,20 +87,20 @@ QList<Command> devCommands(Screens& screens)
 
 void showDevWork(Screens& screens, const QString& contextId, const QString& itemId)
 {
-    screens.shell.selectHub(u"dev"_s);
+    screens.shell->selectHub(u"dev"_s);
     if (const auto context = fetchWorkContext(screens.app.db(), contextId)) {
         const QList<OpsProjectRow> projects = fetchOpsProjects(screens.app.db());
         const auto project = std::ranges::find(projects, context->slug, &OpsProjectRow::slug);
         if (project != projects.end())
-            screens.dev.rail()->select(project->id);
+            screens.dev->rail()->select(project->id);
     }
-    screens.dev.showItem(itemId);
+    screens.dev->showItem(itemId);
 }
 
 void showTerminals(Screens& screens)
 {
-    screens.dev.setWorkspaceTab(DevWorkspaceTab::Terminal);
-    screens.shell.selectHub(u"dev"_s);
+    screens.dev->setWorkspaceTab(DevWorkspaceTab::Terminal);
+    screens.shell->selectHub(u"dev"_s);
 }
 
 }

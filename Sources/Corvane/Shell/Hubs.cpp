@@ -2,14 +2,22 @@
 
 #include "Browser/BrowserCommands.h"
 #include "Calendar/CalendarKeys.h"
+#include "Calendar/CalendarView.h"
+#include "Desk/CorvaneMenuBarView.h"
 #include "Desk/DeskCommands.h"
+#include "Dev/LumoScreen.h"
+#include "Dev/TerminalWorkspaceView.h"
 #include "Foundation/Literals.h"
 #include "Inbox/InboxCommands.h"
+#include "Inbox/InboxView.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/DevHub.h"
 #include "Shell/Screens.h"
 #include "Shell/WorkHubs.h"
 #include "Terminals/TerminalCommands.h"
+#include "Work/CXHub.h"
+#include "Work/GTMHub.h"
+#include "Work/OpsHub.h"
 
 #include <algorithm>
 
@@ -24,42 +32,42 @@ QUrl page(const QString& file)
 
 HubScreen lumo(Screens& screens, const Hub&)
 {
-    return { &screens.lumoScreen };
+    return { screens.lumoScreen.get() };
 }
 
 HubScreen gtm(Screens& screens, const Hub&)
 {
-    return { &screens.gtm };
+    return { screens.gtm.get() };
 }
 
 HubScreen cx(Screens& screens, const Hub&)
 {
-    return { &screens.cx };
+    return { screens.cx.get() };
 }
 
 HubScreen ops(Screens& screens, const Hub&)
 {
-    return { &screens.ops, workCommands() };
+    return { screens.ops.get(), workCommands() };
 }
 
 HubScreen inbox(Screens& screens, const Hub&)
 {
-    return { &screens.inbox, inboxCommands(screens.inbox) };
+    return { screens.inbox.get(), inboxCommands(*screens.inbox) };
 }
 
 HubScreen dev(Screens& screens, const Hub&)
 {
-    return { &screens.dev, terminalCommands() + browserCommands() + devCommands(screens) };
+    return { screens.dev.get(), terminalCommands() + browserCommands() + devCommands(screens) };
 }
 
 HubScreen calendar(Screens& screens, const Hub&)
 {
-    return { &screens.calendar, calendarCommands() };
+    return { screens.calendar.get(), calendarCommands() };
 }
 
 HubScreen today(Screens& screens, const Hub&)
 {
-    return { &screens.today, todayCommands(screens.today, screens.app.notifications()) };
+    return { screens.today.get(), todayCommands(*screens.today, screens.app.notifications()) };
 }
 
 }

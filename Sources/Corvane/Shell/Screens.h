@@ -1,34 +1,51 @@
 #pragma once
 
-#include "Approvals/ApprovalsView.h"
-#include "Approvals/PendingDraftsView.h"
-#include "Calendar/CalendarSettings.h"
-#include "Calendar/CalendarView.h"
-#include "Calendar/UpcomingMeetings.h"
-#include "Calls/CallSettings.h"
-#include "Calls/CallsView.h"
-#include "Care/Doctor/DoctorView.h"
-#include "Desk/CorvaneMenuBarView.h"
-#include "Dev/LumoScreen.h"
-#include "Inbox/InboxView.h"
-#include "Presentation/Commands.h"
-#include "Settings/Appearance.h"
-#include "Settings/IntegrationsView.h"
-#include "Shell/AppShell.h"
-#include "Shell/ClosingNotice.h"
-#include "Shell/ContentView.h"
-#include "Shell/LoginWallView.h"
-#include "Shell/Notices.h"
-#include "Shell/ProfileMenu.h"
-#include "Shell/StoreRecovery.h"
-#include "Terminals/TerminalsView.h"
-#include "Work/CXHub.h"
-#include "Work/GTMHub.h"
-#include "Work/OpsHub.h"
+#include <memory>
 
 namespace corvane {
 
+class AccountsView;
+class AppShell;
+class Appearance;
+class ApprovalsView;
+class AssistantSettings;
+class BrowserView;
+class CXHub;
+class CalendarSettings;
+class CalendarView;
+class CallSettings;
+class CallsView;
+class ClosingNotice;
+class Commands;
+class ContentView;
+class ControlChatSettings;
 class CorvaneApp;
+class CorvaneMenuBarView;
+class DictationSettings;
+class DoctorView;
+class DraftActions;
+class GTMHub;
+class InboxView;
+class IntegrationsView;
+class LocalAccess;
+class LoginWallView;
+class LumoHub;
+class LumoScreen;
+class Notices;
+class OpsHub;
+class PendingDraftsView;
+class ProfileMenu;
+class PushSettings;
+class Reply;
+class StoreRecovery;
+class SyncSettings;
+class SystemSettings;
+class TerminalWorkspaceView;
+class TerminalsView;
+class ToolServerCard;
+class UpcomingMeetings;
+class VoiceSettings;
+class WebSettings;
 
 /// The view models of the main window, connected to each other. They live as long as the program, so that a reopened
 /// window shows the same state.
@@ -36,52 +53,55 @@ class Screens {
 public:
     /// `root` outlives them.
     explicit Screens(CorvaneApp& root);
+    ~Screens();
+    Screens(const Screens&) = delete;
+    Screens& operator=(const Screens&) = delete;
 
     CorvaneApp& app; ///< for the factories of the hubs
 
     Commands& commands;
-    Appearance appearance;
-    ContentView content;
-    LoginWallView wall;
-    Notices notices;
+    const std::unique_ptr<Appearance> appearance;
+    const std::unique_ptr<ContentView> content;
+    const std::unique_ptr<LoginWallView> wall;
+    const std::unique_ptr<Notices> notices;
     StoreRecovery& recovery;
-    AppShell shell;
-    ProfileMenu profile;
-    Reply reply;
-    InboxView inbox;
-    DraftActions draftActions;
-    ApprovalsView approvals;
-    PendingDraftsView drafts;
-    AccountsView accounts;
-    ControlChatSettings controlChat;
-    AssistantSettings assistant;
-    VoiceSettings voice;
-    DictationSettings dictation;
-    CalendarSettings calendarSettings;
-    SyncSettings sync;
-    WebSettings web;
-    PushSettings push;
-    ToolServerCard toolServer;
-    DoctorView doctor;
-    SystemSettings system;
-    LocalAccess localAccess;
-    IntegrationsView settings;
-    CalendarView calendar;
-    UpcomingMeetings meetings;
-    CallsView calls;
+    const std::unique_ptr<AppShell> shell;
+    const std::unique_ptr<ProfileMenu> profile;
+    const std::unique_ptr<Reply> reply;
+    const std::unique_ptr<InboxView> inbox;
+    const std::unique_ptr<DraftActions> draftActions;
+    const std::unique_ptr<ApprovalsView> approvals;
+    const std::unique_ptr<PendingDraftsView> drafts;
+    const std::unique_ptr<AccountsView> accounts;
+    const std::unique_ptr<ControlChatSettings> controlChat;
+    const std::unique_ptr<AssistantSettings> assistant;
+    const std::unique_ptr<VoiceSettings> voice;
+    const std::unique_ptr<DictationSettings> dictation;
+    const std::unique_ptr<CalendarSettings> calendarSettings;
+    const std::unique_ptr<SyncSettings> sync;
+    const std::unique_ptr<WebSettings> web;
+    const std::unique_ptr<PushSettings> push;
+    const std::unique_ptr<ToolServerCard> toolServer;
+    const std::unique_ptr<DoctorView> doctor;
+    const std::unique_ptr<SystemSettings> system;
+    const std::unique_ptr<LocalAccess> localAccess;
+    const std::unique_ptr<IntegrationsView> settings;
+    const std::unique_ptr<CalendarView> calendar;
+    const std::unique_ptr<UpcomingMeetings> meetings;
+    const std::unique_ptr<CallsView> calls;
     CallSettings& callSettings;
-    CorvaneMenuBarView panel;
-    CorvaneMenuBarView today; ///< the same in the main window
-    ClosingNotice closingNotice;
-    TerminalsView terminals;
-    LumoHub lumo;
-    GTMHub gtm;
-    CXHub cx;
-    OpsHub ops;
-    BrowserView browser;
-    TerminalWorkspaceView dev;
-    TerminalWorkspaceView lumoConsole;
-    LumoScreen lumoScreen;
+    const std::unique_ptr<CorvaneMenuBarView> panel;
+    const std::unique_ptr<CorvaneMenuBarView> today; ///< the same in the main window
+    const std::unique_ptr<ClosingNotice> closingNotice;
+    const std::unique_ptr<TerminalsView> terminals;
+    const std::unique_ptr<LumoHub> lumo;
+    const std::unique_ptr<GTMHub> gtm;
+    const std::unique_ptr<CXHub> cx;
+    const std::unique_ptr<OpsHub> ops;
+    const std::unique_ptr<BrowserView> browser;
+    const std::unique_ptr<TerminalWorkspaceView> dev;
+    const std::unique_ptr<TerminalWorkspaceView> lumoConsole;
+    const std::unique_ptr<LumoScreen> lumoScreen;
 };
 
 }

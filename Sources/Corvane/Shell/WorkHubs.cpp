@@ -1,10 +1,16 @@
 #include "Shell/WorkHubs.h"
 
 #include "AI/AIServices.h"
+#include "Dev/LumoScreen.h"
 #include "Foundation/Literals.h"
+#include "Shell/AppShell.h"
 #include "Shell/CorvaneApp.h"
 #include "Shell/DevHub.h"
 #include "Shell/Screens.h"
+#include "Store/Search/RecordQueries.h"
+#include "Work/CXHub.h"
+#include "Work/GTMHub.h"
+#include "Work/OpsHub.h"
 
 namespace corvane {
 
@@ -13,12 +19,12 @@ namespace {
 WorkModuleShell* shellOf(Screens& screens, const QString& module)
 {
     if (module == "lumo"_L1)
-        return screens.lumo.shell();
+        return screens.lumo->shell();
     if (module == "gtm"_L1)
-        return screens.gtm.shell();
+        return screens.gtm->shell();
     if (module == "cx"_L1)
-        return screens.cx.shell();
-    return module == "ops"_L1 ? screens.ops.shell() : nullptr;
+        return screens.cx->shell();
+    return module == "ops"_L1 ? screens.ops->shell() : nullptr;
 }
 
 }
@@ -42,11 +48,11 @@ QList<Command> workCommands()
 void openWork(Screens& screens, const FoundRecord& record)
 {
     if (record.kind == "ask"_L1 || record.kind == "project"_L1) {
-        screens.shell.selectHub(u"ops"_s);
+        screens.shell->selectHub(u"ops"_s);
         if (record.kind == "ask"_L1)
-            screens.ops.showAsk(record.id);
+            screens.ops->showAsk(record.id);
         else
-            screens.ops.showProject(record.id);
+            screens.ops->showProject(record.id);
         return;
     }
     const bool isItem = record.kind == "item"_L1;
@@ -55,8 +61,8 @@ void openWork(Screens& screens, const FoundRecord& record)
         return showDevWork(screens, record.contextId, isItem ? record.id : QString());
     WorkModuleShell* const shell = shellOf(screens, record.module);
     if (!shell)
-        return isDecision ? screens.shell.openApprovals() : void();
-    screens.shell.selectHub(record.module);
+        return isDecision ? screens.shell->openApprovals() : void();
+    screens.shell->selectHub(record.module);
     if (isItem)
         shell->show(record.contextId, record.id);
     else if (isDecision)

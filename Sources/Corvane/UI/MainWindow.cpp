@@ -1,8 +1,22 @@
 #include "MainWindow.h"
 
+#include "Approvals/ApprovalsView.h"
+#include "Calls/CallSettings.h"
+#include "Calls/CallsView.h"
 #include "Foundation/Literals.h"
 #include "Foundation/Log.h"
+#include "Inbox/InboxView.h"
+#include "Presentation/Commands.h"
+#include "Settings/Appearance.h"
+#include "Settings/IntegrationsView.h"
+#include "Shell/AppShell.h"
+#include "Shell/ClosingNotice.h"
+#include "Shell/ContentView.h"
+#include "Shell/LoginWallView.h"
+#include "Shell/Notices.h"
+#include "Shell/ProfileMenu.h"
 #include "Shell/Screens.h"
+#include "Shell/StoreRecovery.h"
 #include "UI/Controls/ControlsTypes.h"
 #include "UI/Controls/MediaCache.h"
 #include "UI/ImageProviders.h"
@@ -59,20 +73,20 @@ MainWindow::MainWindow(Screens& screens, UserDefaults& defaults, MediaDecoder& d
     std::unique_ptr<QObject> root;
     if (component.isReady())
         root.reset(component.createWithInitialProperties({
-            { u"content"_s, object(screens.content) },
-            { u"wall"_s, object(screens.wall) },
-            { u"notices"_s, object(screens.notices) },
+            { u"content"_s, object(*screens.content) },
+            { u"wall"_s, object(*screens.wall) },
+            { u"notices"_s, object(*screens.notices) },
             { u"recovery"_s, object(screens.recovery) },
-            { u"shell"_s, object(screens.shell) },
-            { u"profile"_s, object(screens.profile) },
-            { u"settings"_s, object(screens.settings) },
-            { u"inbox"_s, object(screens.inbox) },
-            { u"approvals"_s, object(screens.approvals) },
-            { u"calls"_s, object(screens.calls) },
+            { u"shell"_s, object(*screens.shell) },
+            { u"profile"_s, object(*screens.profile) },
+            { u"settings"_s, object(*screens.settings) },
+            { u"inbox"_s, object(*screens.inbox) },
+            { u"approvals"_s, object(*screens.approvals) },
+            { u"calls"_s, object(*screens.calls) },
             { u"callSettings"_s, object(screens.callSettings) },
-            { u"appearance"_s, object(screens.appearance) },
+            { u"appearance"_s, object(*screens.appearance) },
             { u"layout"_s, object(m_layout) },
-            { u"closingNotice"_s, object(screens.closingNotice) },
+            { u"closingNotice"_s, object(*screens.closingNotice) },
         }));
     for (const QQmlError& error : component.errors())
         log(u"MainWindow: %1"_s.arg(error.toString()));
