@@ -368,7 +368,7 @@ TEST_F(PlayedBrowser, theSizeOfThePageFollowsTheDeviceAndTheZoom)
 {
     BrowserDisplay& display = *view->display();
     const auto metrics = [&](const char* name) {
-        return lastOf(u"Emulation.setDeviceMetricsOverride"_s)[QLatin1StringView(name)];
+        return lastOf(u"Emulation.setDeviceMetricsOverride"_s).value(QLatin1StringView(name));
     };
     display.setDevice(u"phone"_s);
     EXPECT_EQ(metrics("width").toInt(), 390);
