@@ -8,7 +8,8 @@ namespace corvane {
 
 namespace {
 
-constexpr int readMs = 1000;
+constexpr int silenceMs = 1000; ///< after which the owner counts as hung
+constexpr int readMs = 10'000; ///< for everything
 constexpr qsizetype largestKept = 64 << 20;
 constexpr qsizetype requestHead = 64;
 constexpr uint8_t typeBits = 0x7f;
@@ -112,7 +113,7 @@ bool X11ClipboardOwner::own(xcb_atom_t selection)
 
 QList<X11ClipboardOwner::Item> X11ClipboardOwner::itemsOf(xcb_atom_t selection)
 {
-    const QDeadlineTimer deadline(readMs);
+    QDeadlineTimer deadline(readMs);
     const auto targets = convert(selection, m_targets, deadline);
     if (!targets)
         return {};
@@ -136,7 +137,7 @@ QList<X11ClipboardOwner::Item> X11ClipboardOwner::itemsOf(xcb_atom_t selection)
 }
 
 std::optional<X11ClipboardOwner::Item> X11ClipboardOwner::convert(
-    xcb_atom_t selection, xcb_atom_t target, const QDeadlineTimer& deadline)
+    xcb_atom_t selection, xcb_atom_t target, QDeadlineTimer& deadline)
 {
     xcb_connection_t* const x = m_connection.get();
     xcb_delete_property(x, m_window, m_property);
@@ -167,7 +168,7 @@ std::optional<X11ClipboardOwner::Item> X11ClipboardOwner::readProperty()
             xcb_get_property_value_length(reply.get())) };
 }
 
-bool X11ClipboardOwner::readPieces(Item& item, const QDeadlineTimer& deadline)
+bool X11ClipboardOwner::readPieces(Item& item, QDeadlineTimer& deadline)
 {
     item.bytes.clear();
     while (item.bytes.size() <= largestKept) {
@@ -187,9 +188,9 @@ bool X11ClipboardOwner::readPieces(Item& item, const QDeadlineTimer& deadline)
     return false;
 }
 
-/// Handles other events in the meantime. Null on a timeout or if the connection ends.
+/// Handles other events in the meantime. Null on a timeout, which ends the deadline, or if the connection ends.
 X11ClipboardOwner::Event X11ClipboardOwner::await(
-    const QDeadlineTimer& deadline, const std::function<bool(const xcb_generic_event_t&)>& isWanted)
+    QDeadlineTimer& deadline, const std::function<bool(const xcb_generic_event_t&)>& isWanted)
 {
     xcb_flush(m_connection.get());
     for (;;) {
@@ -199,9 +200,12 @@ X11ClipboardOwner::Event X11ClipboardOwner::await(
             handle(*event);
         }
         pollfd waiting { xcb_get_file_descriptor(m_connection.get()), POLLIN, 0 };
-        if (xcb_connection_has_error(m_connection.get()) != 0 || deadline.hasExpired()
-            || ::poll(&waiting, 1, int(deadline.remainingTime())) <= 0)
+        if (xcb_connection_has_error(m_connection.get()) != 0 || deadline.hasExpired())
             return nullptr;
+        if (::poll(&waiting, 1, int(std::min<qint64>(silenceMs, deadline.remainingTime()))) <= 0) {
+            deadline.setRemainingTime(0);
+            return nullptr;
+        }
     }
 }
 

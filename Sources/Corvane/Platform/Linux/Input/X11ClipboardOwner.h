@@ -38,10 +38,10 @@ private:
 
     void start();
     QList<Item> itemsOf(xcb_atom_t selection);
-    std::optional<Item> convert(xcb_atom_t selection, xcb_atom_t target, const QDeadlineTimer& deadline);
+    std::optional<Item> convert(xcb_atom_t selection, xcb_atom_t target, QDeadlineTimer& deadline);
     std::optional<Item> readProperty();
-    bool readPieces(Item& item, const QDeadlineTimer& deadline);
-    Event await(const QDeadlineTimer& deadline, const std::function<bool(const xcb_generic_event_t&)>& isWanted);
+    bool readPieces(Item& item, QDeadlineTimer& deadline);
+    Event await(QDeadlineTimer& deadline, const std::function<bool(const xcb_generic_event_t&)>& isWanted);
     bool own(xcb_atom_t selection);
     void read();
     void handle(const xcb_generic_event_t& event);
