@@ -34,6 +34,8 @@ TEST(FileReference, whatACompilerPrintsLeadsToTheFileThatIsThere)
 
     const QUrl address(u"file://"_s + QSysInfo::machineHostName() + file.fileName() + u"#12"_s);
     EXPECT_EQ(fileOfAddress(address), (FileReference { file.fileName(), 12, 0 }));
+    EXPECT_EQ(fileOfAddress(QUrl(u"file://localhost"_s + file.fileName())), (FileReference { file.fileName(), 0, 0 }));
+    EXPECT_EQ(fileOfAddress(QUrl(u"https://localhost"_s + file.fileName())), std::nullopt);
     EXPECT_EQ(fileOfAddress(QUrl(u"file://elsewhere.example"_s + file.fileName())), std::nullopt);
     EXPECT_EQ(fileOfAddress(QUrl(u"file:///no/such/file"_s)), std::nullopt);
 
@@ -45,6 +47,12 @@ TEST(FileReference, whatACompilerPrintsLeadsToTheFileThatIsThere)
     };
     EXPECT_EQ(words(u"/usr/bin/nvim -p"_s, 7), u"|-c|exec /usr/bin/nvim -p \"$@\"|sh|+7|/tmp/a b.c"_s);
     EXPECT_EQ(words(u"code -w"_s, 7), u"|-c|exec code -w \"$@\"|sh|-g|/tmp/a b.c:7"_s);
+    EXPECT_EQ(words(u"/opt/hx"_s, 7), u"|-c|exec /opt/hx \"$@\"|sh|/tmp/a b.c:7"_s);
+    EXPECT_EQ(words(u"codium"_s, 7), u"|-c|exec codium \"$@\"|sh|-g|/tmp/a b.c:7"_s);
+    EXPECT_EQ(words(u"codium"_s, 0) + words(u"hx"_s, 0),
+        u"|-c|exec codium \"$@\"|sh|/tmp/a b.c|-c|exec hx \"$@\"|sh|/tmp/a b.c"_s);
+    const terminal::Command command = editorCommand(u"vi"_s, { u"/tmp/a b.c"_s, 1, 0 });
+    EXPECT_EQ(command.program + ' ' + command.directory, "/bin/sh /tmp");
     EXPECT_EQ(words(u"ed"_s, 7), u"|-c|exec ed \"$@\"|sh|/tmp/a b.c"_s);
     EXPECT_EQ(words(u"vi"_s, 0), u"|-c|exec vi \"$@\"|sh|/tmp/a b.c"_s);
 }

@@ -1,54 +1,15 @@
-#include "Foundation/Literals.h"
-#include "Foundation/Redaction.h"
-#include "Foundation/UserDefaults.h"
-#include "Support/Await.h"
-#include "Support/FakeDesktop.h"
-#include "Support/Print.h"
-#include "Support/RealDecoder.h"
-#include "Support/TemporaryHome.h"
-#include "Support/VirtualScheduler.h"
-#include "Terminals/DevProcessInspector.h"
+#include "TerminalsTest.h"
 
+#include "Foundation/Redaction.h"
+#include "Support/RealDecoder.h"
+#include "Terminals/DevProcessInspector.h"
 #include "Terminals/ShellCommand.h"
-#include "Terminals/TerminalsView.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QSignalSpy>
-#include <gtest/gtest.h>
 
 namespace corvane {
-
-namespace {
-
-terminal::Command script(const std::string& text)
-{
-    return { "/bin/sh", { "-c", text }, {}, {}, 027 };
-}
-
-class Terminals : public testing::Test {
-protected:
-    /// Opens a session and starts its shell, as showing it in a view does.
-    LumoTerminalSession& open(const std::string& text)
-    {
-        LumoTerminalSession& session = view.createLocalSession(u"Test Run"_s, script(text));
-        session.view({ 60, 10 });
-        return session;
-    }
-    static QString transcript(LumoTerminalSession& session) { return session.transcript().snapshot(24'000); }
-    static bool awaitText(LumoTerminalSession& session, const QString& text)
-    {
-        return await([&] { return transcript(session).contains(text); });
-    }
-
-    TemporaryHome home;
-    VirtualScheduler clock;
-    FakeDesktop desktop;
-    UserDefaults defaults { home.paths().defaultsFile };
-    TerminalsView view { { clock, defaults, desktop, home.paths().home, {} } };
-};
-
-}
 
 TEST_F(Terminals, theInitialCommandIsTypedOnceTheShellIsThere)
 {
@@ -267,6 +228,21 @@ TEST_F(Terminals, aShellStartsInItsFolderOrAtHome)
     EXPECT_EQ(resolvedDirectory(u"/no/such"_s, at), at + u"/nimb"_s);
     EXPECT_EQ(resolvedDirectory(u"~/nimb/x"_s, at), at + u"/nimb/x"_s);
     EXPECT_EQ(resolvedDirectory(u"~"_s, at), at);
+    EXPECT_EQ(resolvedDirectory(u"~x"_s, at), at + u"/nimb"_s) << "of another user";
+
+    const QByteArray language = qgetenv("LANG");
+    qputenv("LANG", "C.UTF-8");
+    const terminal::Command command = shellCommand(at, 027);
+    EXPECT_EQ(command.directory, at.toStdString());
+    EXPECT_EQ(command.umask, mode_t(027));
+    EXPECT_TRUE(command.environment.empty());
+    qunsetenv("LANG");
+    EXPECT_EQ(shellCommand(at, {}).environment.size(), 1) << "else the shell would take no text but ASCII";
+    if (!language.isNull())
+        qputenv("LANG", language);
+    EXPECT_TRUE(isShell(u"dash"_s));
+    EXPECT_TRUE(isShell(QFileInfo(QString::fromStdString(terminal::loginShell())).fileName()));
+    EXPECT_FALSE(isShell(u"vi"_s));
 }
 
 }

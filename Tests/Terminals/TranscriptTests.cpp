@@ -73,4 +73,79 @@ TEST(Transcript, aPasswordIsHiddenWhereTheTerminalHidesItAndBehindAQuestionForOn
     EXPECT_TRUE(text.endsWith(u"whoami"_s));
 }
 
+TEST(Transcript, aCharacterThatComesInPiecesIsWhole)
+{
+    for (const std::string whole : { "\xc3\xbc", "\xe2\x82\xac", "\xf0\x9f\x98\x80" }) {
+        for (size_t cut = 1; cut < whole.size(); ++cut) {
+            TerminalTranscriptBuffer transcript;
+            transcript.received("a" + whole.substr(0, cut));
+            transcript.received({});
+            transcript.received(whole.substr(cut) + "b");
+            EXPECT_EQ(transcript.snapshot(500), "a" + QString::fromStdString(whole) + "b") << cut;
+        }
+    }
+    for (const std::string wrong : { "\x80", "\x80\x80\x80\x80", "\xf5", "\xff\x80" }) {
+        TerminalTranscriptBuffer transcript;
+        transcript.received(wrong);
+        transcript.received("next");
+        EXPECT_EQ(transcript.snapshot(500), u"next"_s) << "it is not waited for";
+    }
+    EXPECT_EQ(TerminalTranscriptBuffer().snapshot(500), QString());
+}
+
+TEST(Transcript, aSnapshotHasAtLeastFiveHundredCharactersAndNoMoreThanAreKept)
+{
+    const auto size = [](qsizetype kept, qsizetype wanted) {
+        TerminalTranscriptBuffer transcript(kept);
+        transcript.received(std::string(2000, 'x'));
+        return transcript.snapshot(wanted).size();
+    };
+    EXPECT_EQ(size(1000, 499), 500);
+    EXPECT_EQ(size(1000, 501), 501);
+    EXPECT_EQ(size(1000, 1001), 1000);
+    EXPECT_EQ(size(100, 1), 100);
+    TerminalTranscriptBuffer lines(600);
+    for (int n = 0; n < 700; ++n)
+        lines.received("\r\n");
+    lines.received("end");
+    EXPECT_EQ(lines.snapshot(600), u"end"_s) << "a line end is one character";
+    TerminalTranscriptBuffer pairs(500);
+    pairs.received("first");
+    for (int n = 0; n < 498; ++n)
+        pairs.received("\r\n");
+    EXPECT_EQ(pairs.snapshot(500), u"st"_s);
+}
+
+TEST(Transcript, aLineEndsWithItsKeyAndWhatIsTypedAheadIsNoPassword)
+{
+    for (const char* end : { "\r", "\n", "\x03", "\x04" }) {
+        TerminalTranscriptBuffer transcript;
+        transcript.received("Password: ");
+        transcript.sent(std::string("one") + end + "two", false);
+        EXPECT_EQ(transcript.snapshot(500), u"Password: [hidden]"_s + QLatin1StringView(end) + u"two"_s);
+    }
+    TerminalTranscriptBuffer late;
+    late.sent("ab", false);
+    EXPECT_EQ(late.snapshot(500), u"ab"_s);
+    late.sent("cd", true);
+    EXPECT_EQ(late.snapshot(500), u"[hidden]"_s) << "of the whole line";
+    late.sent("ef\r", false);
+    late.received("\r\n$ ");
+    late.sent("gh\rij", false);
+    EXPECT_EQ(late.snapshot(500), u"[hidden]\r\r\n$ gh\rij"_s);
+
+    TerminalTranscriptBuffer far;
+    far.received("Password: " + std::string(300, '*'));
+    far.sent("shown\r", false);
+    EXPECT_TRUE(far.snapshot(500).endsWith(u"*shown"_s)) << "only the end of the output can be the question";
+    TerminalTranscriptBuffer endless;
+    endless.sent(std::string(4096, 'x'), false);
+    endless.received(std::string(4096, 'x'));
+    endless.sent("\r", false);
+    EXPECT_EQ(endless.snapshot(24'000).size(), 8192) << "a line without an end is taken before its echo";
+    for (const auto& [text, asks] : { std::pair("Enter PIN:", true), std::pair("pin", false), std::pair("spin:", false),
+             std::pair("Passwort? ***", true), std::pair("token:\n", false), std::pair("verification code: ", true) })
+        EXPECT_EQ(endsInPasswordPrompt(QString::fromLatin1(text)), asks) << text;
+}
+
 }
