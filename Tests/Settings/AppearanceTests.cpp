@@ -26,9 +26,21 @@ TEST(AppearanceSetting, followsTheDesktopUntilItIsSetByHand)
 
     appearance.setMode(u"light"_s);
     EXPECT_FALSE(appearance.dark());
+    EXPECT_EQ(changes.size(), 2);
+    appearance.setMode(u"light"_s);
+    EXPECT_EQ(changes.size(), 2);
     appearance.setMode(u"purple"_s);
     EXPECT_EQ(appearance.mode(), "light");
     EXPECT_FALSE(Appearance(desktop, defaults).dark()) << "remembered at the next start";
+
+    appearance.setMode(u"dark"_s);
+    desktop.setAppearance(ColourScheme::Light, false);
+    EXPECT_TRUE(appearance.dark());
+    EXPECT_FALSE(appearance.reducedMotion());
+    appearance.setMode(u"desktop"_s);
+    EXPECT_FALSE(appearance.dark());
+    EXPECT_EQ(appearance.modes(),
+        (QList<Choice> { { "desktop", "Like the desktop" }, { "light", "Light" }, { "dark", "Dark" } }));
 
     defaults.setText(u"Corvane.appearance"_s, u"purple"_s);
     EXPECT_EQ(Appearance(desktop, defaults).mode(), "desktop");

@@ -6,6 +6,7 @@
 #include "Support/Rows.h"
 
 #include <QAbstractItemModelTester>
+#include <QSignalSpy>
 #include <gtest/gtest.h>
 
 namespace corvane {
@@ -25,7 +26,12 @@ TEST(ControlChat, oneConversationIsFoundByItsNameAndChosen)
     card.refresh();
     EXPECT_EQ(column(chats, "title"), (QStringList { "Orders", "André <b>" }));
     EXPECT_EQ(column(chats, "detail"), (QStringList { "Email", "WhatsApp · studio" }));
+    EXPECT_EQ(column(chats, "sentence"), (QStringList { "Orders, Email", "André <b>, WhatsApp · studio" }));
+    QSignalSpy changed(&card, &ControlChatSettings::changed);
+    card.setQuery("");
+    EXPECT_EQ(changed.size(), 0);
     card.setQuery(" ANDRE");
+    EXPECT_EQ(changed.size(), 1);
     EXPECT_EQ(column(chats, "id"), QStringList("c1"));
     EXPECT_EQ(card.stateText(), "");
 
@@ -34,6 +40,7 @@ TEST(ControlChat, oneConversationIsFoundByItsNameAndChosen)
     EXPECT_EQ(
         card.stateText(), "Approvals can be approved from André <b> — commands: approve <id>, deny <id> [reason]");
     EXPECT_EQ(column(chats, "chosen"), QStringList("true"));
+    EXPECT_FALSE(card.failed());
     card.choose("none of these");
     EXPECT_EQ(approvalsControlChatId(db), "c1");
     card.setQuery("nobody");
@@ -55,6 +62,22 @@ TEST(ControlChat, oneConversationIsFoundByItsNameAndChosen)
     EXPECT_TRUE(card.failed());
     EXPECT_FALSE(card.chosen());
     EXPECT_EQ(card.savedText(), "Couldn't save it, try again.");
+    card.refresh();
+    EXPECT_FALSE(card.failed());
+}
+
+TEST(ControlChat, aHundredConversationsAreListedAndTheOthersFound)
+{
+    EngineWorld world;
+    ControlChatSettings card(world.engines.db());
+    world.engines.db().exec("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<101)"
+                            "INSERT INTO unified_conversation(id, channel, external_id, title, last_ts)"
+                            " SELECT 'c' || i, 'SMS', i, 'Chat ' || i, i FROM n;");
+    card.refresh();
+    EXPECT_EQ(card.chats()->rowCount(), 100);
+    EXPECT_FALSE(column(*card.chats(), "id").contains("c1")) << "the newest come first";
+    card.setQuery("chat 1");
+    EXPECT_EQ(column(*card.chats(), "id").last(), "c1");
 }
 
 }

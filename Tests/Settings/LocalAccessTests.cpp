@@ -9,6 +9,9 @@
 #include "Support/FakeDesktop.h"
 #include "Support/StoreTest.h"
 
+#include <QDir>
+#include <QSignalSpy>
+
 namespace corvane {
 
 namespace {
@@ -69,6 +72,64 @@ TEST_F(LocalAccessTest, whatIsFoundIsCountedOnceItIsConnected)
     EXPECT_TRUE(later.rows().at(3).connected);
     later.refresh();
     EXPECT_TRUE(await([&] { return later.rows().at(3).detail.startsWith("2 notes"); }));
+}
+
+TEST_F(LocalAccessTest, mailAndMessagesAreAccountsAndAskForTheirSection)
+{
+    QSignalSpy asked(&access, &LocalAccess::accountsAsked);
+    QSignalSpy changed(&access, &LocalAccess::changed);
+    access.connectTo("mail");
+    access.connectTo("messages");
+    EXPECT_EQ(asked.size(), 2);
+    EXPECT_EQ(changed.size(), 0);
+    accounts.add("Sales", Channel::WhatsApp);
+    accounts.add("Team", Channel::Slack);
+    EXPECT_EQ(changed.size(), 2);
+    EXPECT_EQ(access.rows().at(4), (LocalAccessRow { "messages", "Messages", "2 accounts of this program", true }));
+    EXPECT_EQ(access.rows().at(0), (LocalAccessRow { "mail", "Mail", "No account of this program yet", false }));
+    QStringList names;
+    for (const LocalAccessRow& row : access.rows())
+        names.append(row.id + u' ' + row.name);
+    EXPECT_EQ(
+        names, QStringList({ "mail Mail", "tasks Tasks", "contacts Contacts", "notes Notes", "messages Messages" }));
+}
+
+TEST_F(LocalAccessTest, notesAreWhereTheyUsuallyAreOrWhereThePersonSays)
+{
+    desktop.chosen = failure("There is no dialog.");
+    access.connectTo("notes");
+    EXPECT_EQ(detail(3), "This desktop has no window to choose a folder in. Keep notes in ~/Notes.");
+    EXPECT_FALSE(access.rows().at(3).connected);
+    desktop.chosen = QList<QUrl> {};
+    access.connectTo("notes");
+    EXPECT_EQ(m_defaults.text("nimb.notesFolder"), std::nullopt) << "nothing was chosen";
+    const LocalAccess next({ accounts, calendar, *book, background, desktop, m_defaults, m_home.paths().home });
+    QDir home(m_home.paths().home);
+    for (const char* folder : { "Documents/notes", "Documents/Notes", "notes", "Notes" }) {
+        home.mkpath(folder);
+        EXPECT_EQ(next.rows().at(3).detail, u"Found in ~/%1"_s.arg(QString(folder)));
+        EXPECT_FALSE(next.rows().at(3).connected);
+    }
+    QSignalSpy changed(&access, &LocalAccess::changed);
+    access.connectTo("notes");
+    EXPECT_TRUE(awaitDetail(3, "0 notes in ~/Notes"));
+    EXPECT_EQ(changed.size(), 1);
+    home.mkpath("Notes/deep");
+    for (const char* name : { "Notes/a.md", "Notes/deep/b.markdown", "Notes/c.txt" }) {
+        QFile file(home.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    access.connectTo("contacts");
+    EXPECT_EQ(detail(2), "Not found: there is no folder of contacts, such as ~/.local/share/contacts");
+    access.refresh();
+    EXPECT_TRUE(awaitDetail(3, "2 notes in ~/Notes"));
+    EXPECT_EQ(m_defaults.text("nimb.localAccess"), "notes") << "once, and nothing else";
+    home.rename("Notes", "gone");
+    home.rename("notes", "gone too");
+    QDir(home.filePath("Documents")).removeRecursively();
+    access.refresh();
+    EXPECT_EQ(access.rows().at(3).detail, "Not found: choose a folder of Markdown files");
+    EXPECT_FALSE(access.rows().at(3).connected);
 }
 
 }

@@ -1,7 +1,7 @@
 #include "Web/SyncClient.h"
 
+#include "Support/WebTest.h"
 #include "Web/IngestBodies.h"
-#include "WebTest.h"
 
 #include <QJsonArray>
 

@@ -1,6 +1,6 @@
 #include "Web/WebSync.h"
 
-#include "WebTest.h"
+#include "Support/WebTest.h"
 
 namespace corvane {
 
