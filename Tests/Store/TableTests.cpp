@@ -60,11 +60,11 @@ TEST_F(TableTest, theTextsNameEachColumnOnceWithWhatStandsForNull)
 
 TEST_F(TableTest, whatIsWrittenIsReadBackMemberByMember)
 {
-    const GivenValues inWorkspace { { "t.workspace", u"w"_s } };
+    const GivenValues inWorkspace { { "workspace", u"w"_s } };
     const Thing full { "a", "note", 1LL << 40, 2LL << 40, 3, true, 0.5, { "x", "y" }, {} };
     const Thing bare { "b", {}, 1, {}, 0, false, 0, {}, {} };
     EXPECT_TRUE(things.insert(*m_db, full, inWorkspace));
-    EXPECT_TRUE(things.insert(*m_db, bare, inWorkspace + GivenValues { { "t.count", {} } }));
+    EXPECT_TRUE(things.insert(*m_db, bare, inWorkspace + GivenValues { { "count", {} } }));
     Thing counted = bare;
     counted.count = 7;
     EXPECT_EQ(things.rows(*m_db, "ORDER BY id;", {}), (QList<Thing> { full, counted }));

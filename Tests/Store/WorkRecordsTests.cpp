@@ -68,6 +68,7 @@ TEST_F(WorkRecordsTest, whatIsWrittenIsReadBackAndLiftsItsContext)
     const auto context = upsertWorkContext(*m_db, { "ops", "workspace", "may", "May", "Invoices", "Oskel" });
     ASSERT_TRUE(context);
     EXPECT_EQ(context->id, "ctx:ops:may");
+    EXPECT_EQ(context->updatedAt, isoTime(m_clock.nowMs()));
     upsertWorkContext(*m_db, { "ops", "workspace", "june", "June", "", "Oskel" });
     const WorkContextId id = context->id;
     const auto first = [&] {

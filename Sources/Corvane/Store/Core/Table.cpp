@@ -3,6 +3,7 @@
 #include "Foundation/Literals.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace corvane {
 
@@ -36,8 +37,9 @@ bool TableText::isBound(const char* written)
 
 const SqlValue* TableText::find(const GivenValues& given, const char* column)
 {
-    const auto found
-        = std::ranges::find_if(given, [&](const auto& value) { return qstrcmp(value.first, column) == 0; });
+    const char* const alias = std::strchr(column, '.');
+    const char* const name = alias ? alias + 1 : column;
+    const auto found = std::ranges::find_if(given, [&](const auto& value) { return qstrcmp(value.first, name) == 0; });
     return found == given.end() ? nullptr : &found->second;
 }
 

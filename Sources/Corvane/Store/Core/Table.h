@@ -24,7 +24,7 @@ template <typename Row> struct Column {
     const char* written = "?"; ///< SQL: its value in the INSERT; `onlyRead` omits it
 };
 
-/// Values of an INSERT by column name: for columns without a member, or instead of a member's.
+/// Values of an INSERT by column name, without an alias: for columns without a member, or instead of a member's.
 using GivenValues = QList<std::pair<const char*, SqlValue>>;
 
 /// The part of `Table` that does not depend on the type of its rows.
