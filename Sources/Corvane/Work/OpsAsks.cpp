@@ -182,10 +182,10 @@ QCoro::Task<> OpsAsks::run(OpsAskRow ask)
     if (!cancel.isCancelled() && !answer)
         m_error = u"Ask saved; LumoAI could not answer: "_s + answer.error().message;
     const bool saved = !cancel.isCancelled() && answer && answerOpsAsk(m_at.db, ask.id, *answer, u"LumoAI"_s);
-    if (saved && m_answering && m_answering->id == ask.id)
+    if (saved) {
         closeAnswer();
-    if (saved)
         tell();
+    }
     Q_EMIT changed();
 }
 
