@@ -5,7 +5,10 @@
 #include "Work/OpsHub.h"
 #include "WorkTest.h"
 
+#include "Store/Core/StoreWatch.h"
 #include "Store/People/CrmRecords.h"
+
+#include <QSignalSpy>
 
 namespace corvane {
 
@@ -345,6 +348,102 @@ TEST_F(Hubs, homeTellsDecisionsFirstAndFinanceCountsItsOwn)
     m_db->exec("DROP TABLE work_memory;");
     EXPECT_FALSE(lumoHub.propose(u"Lost?"_s));
     EXPECT_EQ(lumoHub.error(), "It was not saved: the database could not be written.");
+}
+
+TEST_F(Hubs, whoIsChosenStaysChosenAndAgesEveryMinute)
+{
+    CXHub hub(services);
+    hub.shell()->setShown(true);
+    QString opened;
+    const auto observation
+        = m_centre.observe(notifications::openConversation, [&](const Notification& told) { opened = *told.object; });
+    hub.step(1);
+    hub.reply();
+    EXPECT_EQ(opened + hub.name() + hub.facts() + hub.queueText(), "") << "nobody waits";
+    person("ana", "Ana Ruiz");
+    person("ben", "Ben");
+    says("ana", "IN", 25 * 60);
+    says("ben", "IN", 1);
+    m_db->watch().tell(StoreSubject::Messages);
+    m_clock.advance(Milliseconds(3000));
+    ASSERT_EQ(hub.queueRows().size(), 2) << "messages are read at the next tick";
+    const WaitingSeed ana = hub.queueRows().first();
+    EXPECT_EQ(ana.initials + '|' + ana.channel + '|' + ana.snippet + '|' + ana.aloud,
+        "AR|WHATSAPP|hi|Ana Ruiz, wrote 25 hours ago, , hi");
+    EXPECT_TRUE(ana.late);
+    EXPECT_FALSE(hub.queueRows().last().late);
+    EXPECT_NE(ana.hue, hub.queueRows().last().hue);
+    const QSignalSpy changed(&hub, &CXHub::changed);
+    hub.select(u"ben"_s);
+    hub.select(u"ben"_s);
+    EXPECT_EQ(changed.size(), 1);
+    EXPECT_EQ(hub.selected() + ": " + hub.facts(), "ben: wrote 1 minute ago");
+    EXPECT_EQ(hub.thread()->rowCount(), 1);
+    hub.step(-5);
+    EXPECT_EQ(hub.selected(), "ana");
+    hub.select(u"ben"_s);
+    m_clock.advance(Milliseconds(60'000));
+    EXPECT_EQ(hub.facts(), "wrote 2 minutes ago");
+    EXPECT_EQ(hub.selected(), "ben");
+}
+
+TEST_F(Hubs, aStageOfAnotherProgramComesAndGoes)
+{
+    person("ana", "Ana");
+    const QString id = *insertCRMDeal(*m_db, "ana", { "Plates", "Prospecting", "1.800 €", "", {} });
+    GTMHub hub(services);
+    hub.shell()->setShown(true);
+    EXPECT_EQ(hub.emptyText(), "To add a deal, open a conversation and use the pane beside it.");
+    const QSignalSpy stages(&hub, &GTMHub::stagesChanged);
+    EXPECT_EQ(hub.stageCount(), 6);
+    m_db->exec("UPDATE crm_deal SET stage='Tasting';");
+    m_db->watch().tell(StoreSubject::Messages);
+    m_clock.advance(Milliseconds(3000));
+    EXPECT_EQ(hub.stageCount(), 7);
+    EXPECT_EQ(hub.stage(6)->title() + hub.stage(6)->stage(), "TastingTasting");
+    EXPECT_EQ(hub.stage(6)->rows().first().aloud, "Plates, Ana, 1.800 €, no message yet");
+    EXPECT_TRUE(hub.stage(6)->rows().first().cold) << "a stage that is not known is open";
+    hub.moveDeal(id, 7);
+    hub.moveDeal(id, -1);
+    hub.moveDeal(id, 6);
+    hub.moveDeal(u"nothing"_s, 1);
+    hub.moveDealBy(u"nothing"_s, 1);
+    EXPECT_EQ(cell("SELECT stage FROM crm_deal;") + hub.undoText(), "Tasting");
+    QSignalSpy changed(hub.stage(1), &PipelineStage::changed);
+    hub.moveDeal(id, 1);
+    EXPECT_EQ(changed.size(), 1);
+    hub.shell()->refresh();
+    EXPECT_EQ(changed.size(), 1);
+    EXPECT_EQ(hub.stageCount(), 6);
+    EXPECT_EQ(stages.size(), 2);
+    hub.dismissUndo();
+    hub.undo();
+    EXPECT_EQ(hub.stage(1)->count(), 1);
+    hub.shell()->rail()->select(context(u"Fair"_s, u"gtm"_s).id);
+    m_db->exec("DELETE FROM crm_deal;");
+    hub.shell()->refresh();
+    EXPECT_EQ(hub.stage(1)->count(), 1) << "what is not shown is not read";
+    hub.shell()->rail()->setPlace(u"pipeline"_s);
+    EXPECT_EQ(hub.emptyTitle(), "No deals yet");
+}
+
+TEST_F(Hubs, lumoSaysWhatItKnowsAndWhichAgentsAreSilent)
+{
+    insertWorkEvidence(*m_db, { "ops", {}, {}, "runbook", "Firing", "ui", "", "Slowly" });
+    upsertWorkAgent(*m_db, { "gtm", {}, "Researcher", "codex", "research", "running", "Look", "s" });
+    LumoHub hub(services);
+    hub.shell()->setShown(true);
+    EXPECT_EQ(hub.flowRows().first().title + ": " + hub.flowRows().first().summary, "Firing: Slowly");
+    EXPECT_TRUE(hub.knowledgeEmpty().startsWith("Facts appear here"));
+    EXPECT_TRUE(hub.flowsEmpty().startsWith("Runbooks are notes"));
+    EXPECT_EQ(hub.shell()->rail()->places().at(1).count, 0);
+    m_clock.advance(Milliseconds(1'260'000));
+    EXPECT_EQ(hub.agents()->silent(), 1) << "the minutes tell";
+    hub.shell()->refresh();
+    EXPECT_EQ(hub.shell()->rail()->places().at(1).count, 1);
+    EXPECT_TRUE(hub.propose(u" We fire on Mondays "_s));
+    EXPECT_EQ(table("SELECT module, kind, body, source, confidence, status, owner FROM work_memory;"),
+        QStringList("lumo|fact|We fire on Mondays|lumo-hub|medium|proposed|Oskel"));
 }
 
 }

@@ -93,6 +93,10 @@ TEST_F(WorkConsole, aQuickActionOpensTheFlowOfItsWords)
     EXPECT_EQ(of("Campaign Log"), "2|note|Campaign Log for May|normal|normal|LumoAI|why");
     EXPECT_EQ(of("Invoice Check"), "1|finance|Invoice Check for May|high|normal|LumoAI|why");
     EXPECT_EQ(of("Candidate Screen"), "1|screen|Candidate Screen for May|normal|normal|LumoAI|why");
+    EXPECT_EQ(of("Reply"), "1|reply|Reply for May|high|normal|LumoAI|why");
+    EXPECT_EQ(of("Invoice Ask"), "3|task|Invoice Ask|normal|high|Human/agent|why");
+    EXPECT_EQ(of("Ask Ana"), "3|task|Ask Ana|normal|normal|Human/agent|why");
+    EXPECT_EQ(of("Doc"), "2|note|Doc for May|normal|normal|LumoAI|why");
 }
 
 TEST_F(WorkConsole, whatIsCreatedIsSavedSaidAndHeldWhereItHasARisk)
@@ -115,9 +119,13 @@ TEST_F(WorkConsole, whatIsCreatedIsSavedSaidAndHeldWhereItHasARisk)
     ASSERT_TRUE(saveItem(*m_db, place, draft));
     EXPECT_EQ(cell("SELECT COUNT(*) FROM work_decision;"), "0");
     draft.title = "Reply to vendor ";
+    draft.kind = " reply ";
+    draft.summary = " soon ";
     const auto item = saveItem(*m_db, place, draft);
-    EXPECT_EQ(table("SELECT title, status, risk, decided_by FROM work_decision;"),
-        QStringList("Review Reply to vendor|proposed|money|"));
+    EXPECT_EQ(table("SELECT title, status, risk, decided_by, module, context_id FROM work_decision;"),
+        QStringList("Review Reply to vendor|proposed|money||ops|" + first->id));
+    EXPECT_EQ(item->kind + '|' + item->summary + '|' + item->owner + '|' + item->source + '|' + item->contextId,
+        "reply|soon|Oskel|corvane-ui|" + first->id);
     EXPECT_EQ(messages().last(), "status|Created item " + item->id + ": Reply to vendor.");
 
     draft = emptyDraft(WorkCreateFlow::Note);
@@ -140,9 +148,22 @@ TEST_F(WorkConsole, whatIsCreatedIsSavedSaidAndHeldWhereItHasARisk)
     EXPECT_FALSE(setWorkDecisionStatus(*m_db, place, decision, "rejected")) << "it was decided";
     EXPECT_TRUE(markWorkItemDone(*m_db, place, *item));
     EXPECT_FALSE(markWorkItemDone(*m_db, place, *fetchWorkItem(*m_db, item->id)));
+    const QStringList said = messages();
+    WorkMemoryRecord gone {};
+    gone.id = "gone";
+    EXPECT_FALSE(setWorkMemoryStatus(*m_db, place, gone, "approved"));
+    EXPECT_EQ(messages(), said) << "what was not written is not told";
+
+    const WorkPlace dev { .module = u"dev"_s, .slug = u"shop"_s };
+    m_db->exec("INSERT INTO project(id, slug, name) VALUES('p','shop','Shop');");
+    EXPECT_EQ(saveAsk(*m_db, dev, draft)->projectId, "p") << "without a context it is the project's";
+    m_db->exec("CREATE TRIGGER full BEFORE INSERT ON ask BEGIN SELECT RAISE(ABORT,'full'); END;");
+    EXPECT_EQ(saveAsk(*m_db, dev, draft).error().message, "Could not save ask row.");
+    EXPECT_EQ(saveAsk(*m_db, place, draft).error().message, "Could not save ops ask.");
 
     m_db->exec("DROP TABLE work_item; DROP TABLE work_evidence; DROP TABLE ask; DROP TABLE work_context;");
     draft.title = "x";
+    EXPECT_EQ(saveAsk(*m_db, dev, draft).error().message, "Could not save ask row.");
     EXPECT_EQ(saveItem(*m_db, place, draft).error().message, "Could not save the item.");
     EXPECT_EQ(saveNote(*m_db, place, draft).error().message, "Could not save the note.");
     EXPECT_EQ(saveAsk(*m_db, place, draft).error().message, "Could not save ask.");

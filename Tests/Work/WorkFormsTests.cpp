@@ -2,6 +2,8 @@
 #include "Work/OpsHub.h"
 #include "WorkTest.h"
 
+#include <QSignalSpy>
+
 namespace corvane {
 
 namespace {
@@ -151,6 +153,152 @@ TEST_F(WorkForms, anItemIsReadAndDoneInItsSheetAndNamedByItsSources)
     EXPECT_EQ(shell.tab(), "evidence");
     rail.setPlace(u"home"_s);
     EXPECT_EQ(sheet.itemId(), "") << "another place closes it";
+}
+
+TEST_F(WorkForms, aFormKeepsWhatWasNotSavedAndChoosesWhereItGoes)
+{
+    const WorkContextRow may = context(u"May"_s);
+    shell.setShown(true);
+    WorkCreate& create = *shell.create();
+    const auto labels = [&] {
+        QStringList words;
+        for (int at = 0; at < create.fieldCount(); ++at)
+            words.append(create.fieldAt(at)->label() + (create.fieldAt(at)->narrow() ? " (narrow)" : ""));
+        return words.join(',');
+    };
+    const QSignalSpy changed(&create, &WorkCreate::changed);
+    const QSignalSpy wrote(&create, &WorkCreate::wrote);
+    create.close();
+    EXPECT_EQ(changed.size(), 0) << "nothing was open";
+    create.begin(u"context"_s);
+    EXPECT_EQ(create.title() + '|' + create.hint() + '|' + create.buttonLabel() + '|' + create.priorityLabel(),
+        "Create process||Create|");
+    EXPECT_EQ(labels(), "Title,What it is about,Kind (narrow),Owner (narrow)");
+    EXPECT_EQ(create.field(u"kind"_s).text() + create.field(u"owner"_s).text(), "workspaceOskel");
+    EXPECT_TRUE(create.contexts().isEmpty());
+    create.field(u"title"_s).type(u"June"_s);
+    m_db->exec("CREATE TRIGGER full BEFORE INSERT ON work_context BEGIN SELECT RAISE(ABORT,'full'); END;");
+    create.submit();
+    EXPECT_TRUE(create.isOpen());
+    EXPECT_EQ(create.message() + create.messageKind(), "Could not save the context.bad");
+    create.field(u"summary"_s).type(u"Later"_s);
+    EXPECT_EQ(create.message(), "") << "whoever types goes on";
+    m_db->exec("DROP TRIGGER full;");
+    EXPECT_EQ(wrote.size(), 0);
+
+    create.begin(u"item"_s, u"bug"_s, u"Tidy"_s);
+    EXPECT_EQ(labels(), "Title,Summary,Kind (narrow),Owner (narrow)");
+    EXPECT_EQ(create.field(u"kind"_s).text() + create.field(u"title"_s).text() + create.priority(), "bugTidynormal");
+    EXPECT_EQ(create.priorities(), (QStringList { "high", "normal", "low" }));
+    EXPECT_EQ(create.contexts().join(',') + create.noContext() + create.chosenContext(), "MayIn no process");
+    create.chooseContext(u"May"_s);
+    EXPECT_EQ(create.chosenContext(), "May");
+    create.chooseContext(u"None such"_s);
+    EXPECT_EQ(create.chosenContext(), "");
+    create.chooseContext(u"May"_s);
+    create.begin(u"item"_s, {}, u"Sweep"_s);
+    EXPECT_EQ(create.chosenContext() + create.field(u"kind"_s).text(), "task") << "a new form begins anew";
+    create.chooseContext(u"May"_s);
+    create.setPriority(u"low"_s);
+    EXPECT_EQ(create.priority(), "low");
+    create.submit();
+    EXPECT_EQ(table("SELECT title, context_id, priority FROM work_item;"), QStringList("Sweep|" + may.id + "|low"));
+    EXPECT_EQ(wrote.size(), 1);
+
+    create.beginQuickAction(u"Invoice Check"_s, u"why"_s);
+    EXPECT_EQ(create.field(u"title"_s).text(), "Invoice Check for no process");
+    create.begin(u"ask"_s);
+    EXPECT_EQ(labels() + create.priority(), "Question,Summarynormal");
+    EXPECT_TRUE(create.forLumo() && create.toLumo());
+    create.setToLumo(false);
+    EXPECT_FALSE(create.toLumo());
+    create.setToLumo(true);
+    EXPECT_TRUE(create.toLumo());
+    create.begin(u"note"_s, {}, u"Seen"_s);
+    EXPECT_EQ(labels(), "Title,Summary,Kind");
+    EXPECT_FALSE(create.forLumo());
+    create.submit();
+    EXPECT_EQ(table("SELECT kind, title, source FROM work_evidence;"), QStringList("note|Seen|corvane-ui"));
+    EXPECT_TRUE(messages().last().startsWith("status|Created note ev:native:"));
+}
+
+TEST_F(WorkForms, aModuleIsCountedOpenedAndLeftByItsPlaces)
+{
+    const WorkContextRow may = context(u"May"_s);
+    context(u"June"_s);
+    const QString id = item(may.id, u"Count"_s);
+    item(may.id, u"Crash"_s, u"open"_s, u"bug"_s);
+    insertWorkDecision(*m_db, { "ops", may.id, "Pay", "", "", "money" });
+    insertWorkEvidence(*m_db, { "ops", may.id, {}, "note", "Bill", "ui", "", "" });
+    upsertWorkAgent(*m_db, { "ops", may.id, "Ana", "codex", "ops", "ready", "Count", "s" });
+    shell.setShown(true);
+    const auto metrics = [&] {
+        QStringList words;
+        for (const WorkMetricSeed& each : shell.header()->metrics())
+            words.append(each.label + ' ' + each.value + each.sub);
+        return words.join('|');
+    };
+    EXPECT_EQ(shell.header()->title() + '|' + shell.header()->subtitle(),
+        "No process selected|Processes appear when a person or an agent creates one.");
+    shell.show(may.id, id, u"agents"_s);
+    EXPECT_EQ(metrics(), "Processes 2|Open work 2|Agents 1|Evidence 11 approval");
+    EXPECT_EQ(shell.header()->title() + '|' + shell.header()->subtitle() + '|' + shell.item()->title(), "May||Count");
+    EXPECT_EQ(shell.surface(), "agents");
+    QStringList surfaces;
+    for (const TabItem& tab : shell.tabs()) {
+        shell.setTab(tab.id);
+        surfaces.append(shell.surface());
+        EXPECT_EQ(tab.count, tab.id == "approvals" ? 1 : 0) << tab.id.toStdString();
+    }
+    EXPECT_EQ(surfaces.join(','), "board,chat,approvals,evidence,agents,timeline");
+    EXPECT_EQ(shell.tasks()->rowCount(), 1) << "a bug is a ticket";
+    EXPECT_EQ(shell.history()->evidence()->rowCount(), 1);
+    EXPECT_EQ(shell.history()->earlierText(), "");
+    shell.show({});
+    EXPECT_EQ(rail.place() + rail.selectedContextId() + shell.item()->itemId(), "home");
+    const QSignalSpy selected(&rail, &WorkRail::selected);
+    rail.select({});
+    rail.select(u"nothing"_s);
+    rail.setPlace(u"home"_s);
+    EXPECT_EQ(selected.size(), 0);
+    const QSignalSpy changed(&rail, &WorkRail::changed);
+    rail.setPlaceCount(u"asks"_s, 0);
+    rail.setPlaceCount(u"nowhere"_s, 2);
+    EXPECT_EQ(changed.size(), 0);
+    rail.setPlaceCount(u"asks"_s, 2);
+    EXPECT_EQ(changed.size(), 1);
+    rail.setQuery(u"none"_s);
+    rail.step(1);
+    EXPECT_EQ(selected.size(), 0) << "there is none to step to";
+    rail.setQuery({});
+    EXPECT_EQ(rail.contextsEmpty(), "");
+    rail.select(may.id);
+    m_db->run("DELETE FROM work_context WHERE id=?;", { may.id });
+    rail.setQuery(u"j"_s);
+    EXPECT_EQ(rail.place() + ": " + rail.contextRows().first().title, "home: June");
+    EXPECT_EQ(selected.size(), 2) << "the search found that it is gone";
+}
+
+TEST_F(WorkForms, aLongStoryIsShownPageByPage)
+{
+    const WorkContextRow may = context(u"May"_s);
+    m_db->run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<250) "
+              "INSERT INTO work_message(id, context_id, module, speaker, body, created_at) "
+              "SELECT 'm'||i, ?, 'ops', 'Ana', 'Line '||i, '2026-01-01T00:'||(i/60+10)||':'||(i%60+10)||'Z' FROM n;",
+        { may.id });
+    shell.setShown(true);
+    shell.show(may.id, {}, u"timeline"_s);
+    WorkHistory& history = *shell.history();
+    EXPECT_EQ(history.timelineRows().size(), 200);
+    EXPECT_EQ(history.earlierText(), "Show earlier");
+    history.showEarlier();
+    EXPECT_EQ(history.timelineRows().size(), 250);
+    EXPECT_EQ(history.timelineRows().first().detail + history.earlierText(), "Line 1");
+    shell.refresh();
+    EXPECT_EQ(history.timelineRows().size(), 250) << "what is read again stays as long";
+    rail.setPlace(u"home"_s);
+    shell.show(may.id, {}, u"timeline"_s);
+    EXPECT_EQ(history.timelineRows().size(), 200);
 }
 
 }
