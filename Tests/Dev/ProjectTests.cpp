@@ -3,6 +3,8 @@
 #include "Dev/ProjectMirror.h"
 #include "Store/Work/DevRecords.h"
 
+#include <QSignalSpy>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace corvane {
@@ -225,6 +227,147 @@ TEST_F(Projects, theFileForAgentsKeepsItsPlaceAndItsRights)
     EXPECT_EQ(QFile(real).permissions(), rights);
     QDir().mkpath(folder + "/sub/PROJECT.md");
     EXPECT_TRUE(writeProjectMirror(row, folder + "/sub").error().message.endsWith("could not be read."));
+}
+
+TEST_F(Projects, theMirrorFindsTheLogByItsLineAndRewritesNothingForNothing)
+{
+    OpsProjectRow row;
+    row.slug = row.name = u"shop"_s;
+    const QByteArray head = mirrorText(row, {});
+    EXPECT_TRUE(head.contains("**Goal:** (set me)\n"));
+    row.goal = u"Sell"_s;
+    EXPECT_TRUE(mirrorText(row, {}).contains("**Goal:** Sell\n"));
+    row.goal.clear();
+    for (const auto& [before, log] : { std::pair("x\n## Log", "## Log"), std::pair(" ## Log \ny", " ## Log \ny"),
+             std::pair("### Log\n## Log \n## Log", "## Log \n## Log"), std::pair("## Logs\n", "## Log\n## Logs\n") })
+        EXPECT_EQ(mirrorText(row, before), head.chopped(7) + log) << before;
+
+    const QString folder = m_home.paths().home + "/p";
+    const QString path = folder + "/PROJECT.md";
+    EXPECT_EQ(writeProjectMirror(row, folder).value_or(u"-"_s), path);
+    EXPECT_EQ(content(path), head);
+    const auto number = [&] {
+        struct stat file {};
+        EXPECT_EQ(::stat(path.toUtf8().constData(), &file), 0);
+        return file.st_ino;
+    };
+    const ino_t written = number();
+    EXPECT_EQ(writeProjectMirror(row, folder).value_or(u"-"_s), path);
+    EXPECT_EQ(number(), written) << "it is the same file";
+    EXPECT_TRUE(QFile::resize(path, (64 << 20) + 1));
+    EXPECT_TRUE(writeProjectMirror(row, folder).error().message.endsWith("could not be read."));
+    EXPECT_EQ(QFileInfo(path).size(), (64 << 20) + 1);
+    EXPECT_TRUE(writeProjectMirror(row, path).error().message.endsWith("could not be written.")) << "no folder";
+    EXPECT_EQ(projectFolder("a_b.c d"), "a_b.c-d");
+}
+
+TEST_F(Projects, theFormSaysWhatIsWrongAndWhatItCouldNotWrite)
+{
+    TerminalWorkspaceView view(desk());
+    view.setShown(true);
+    DevProjectForm& form = *view.rail()->form();
+    form.beginEditProject();
+    EXPECT_FALSE(form.isOpen()) << "no project is chosen";
+    form.beginNewProject();
+    EXPECT_EQ(form.title() + '|' + form.buttonLabel() + '|' + form.status(), "New project|Save|active");
+    const QSignalSpy changed(&form, &DevProjectForm::changed);
+    form.submit();
+    EXPECT_TRUE(form.isOpen());
+    EXPECT_EQ(form.message() + cell("SELECT COUNT(*) FROM project;"), "0");
+    form.setStatus(u"paused"_s);
+    form.setPriority(4);
+    EXPECT_EQ(changed.size(), 2);
+    form.field(u"name"_s).type(u"A"_s);
+    EXPECT_EQ(form.field(u"slug"_s).text(), "a");
+    form.field(u"name"_s).type(u" "_s);
+    EXPECT_EQ(form.field(u"slug"_s).text() + form.field(u"controlDir"_s).text(), "");
+    for (const auto& [slug, fits] : { std::pair(".a", false), std::pair("a b", false), std::pair("A.b_c-1", true) }) {
+        form.beginNewProject();
+        form.field(u"name"_s).type(u"X"_s);
+        form.field(u"slug"_s).type(QString::fromLatin1(slug));
+        form.submit();
+        EXPECT_EQ(form.message().isEmpty(), fits) << slug;
+        EXPECT_EQ(form.isOpen(), !fits) << slug;
+    }
+    EXPECT_EQ(view.desk().project.slug, "A.b_c-1") << "what was saved is chosen";
+    form.beginNewProject();
+    form.field(u"name"_s).type(u"Again"_s);
+    form.field(u"slug"_s).type(u"A.b_c-1"_s);
+    form.submit();
+    EXPECT_EQ(form.message(), "“A.b_c-1” is a project already. Give this one another slug.");
+    form.close();
+    const auto closed = changed.size();
+    form.close();
+    EXPECT_EQ(changed.size(), closed);
+
+    written(u"blocked"_s, "a file");
+    form.beginEditProject();
+    EXPECT_EQ(
+        form.status() + QString::number(form.priority()), "active" + QString::number(view.desk().project.priority));
+    form.field(u"controlDir"_s).type(u"~/blocked"_s);
+    form.submit();
+    EXPECT_FALSE(form.isOpen());
+    EXPECT_EQ(form.notice(),
+        "The project is saved. Its file for agents is not: " + m_home.paths().home
+            + "/blocked/PROJECT.md could not be written.");
+    EXPECT_EQ(cell("SELECT control_dir FROM project;"), "~/blocked");
+    form.dismissNotice();
+    EXPECT_EQ(form.notice(), "");
+
+    m_db->exec("UPDATE project SET control_dir='', slug='shop';");
+    view.refresh();
+    form.beginEditProject();
+    EXPECT_EQ(form.field(u"controlDir"_s).text(), "~/nimb/state/projects/shop");
+    EXPECT_TRUE(form.field(u"slug"_s).readOnly());
+    form.field(u"controlDir"_s).type({});
+    form.submit();
+    EXPECT_EQ(cell("SELECT control_dir || slug FROM project;"), "~/nimb/state/projects/shopshop");
+}
+
+TEST_F(Projects, theRailStepsWithinItsListAndSearchesEveryWordOfAProject)
+{
+    TerminalWorkspaceView view(desk());
+    view.setShown(true);
+    DevRail& rail = *view.rail();
+    rail.step(1);
+    EXPECT_EQ(rail.emptyText(), "No ops projects are registered yet. You can still open a local terminal.");
+    for (const QString& name : { u"Axe"_s, u"Bell"_s, u"Cup"_s })
+        project(name, {}, name == u"Cup"_s ? u"LOCALHOST "_s : u"box"_s);
+    m_db->exec("UPDATE project SET category='Tools' WHERE slug IN ('axe','cup');");
+    view.refresh();
+    EXPECT_EQ(rail.emptyText(), "");
+    EXPECT_EQ(rail.scopeId(), "all");
+    const QSignalSpy changed(&rail, &DevRail::changed);
+    rail.setScopeId(u"all"_s);
+    rail.setScopeId(u"none"_s);
+    rail.setSearch({});
+    EXPECT_EQ(changed.size(), 0);
+    rail.select(u"pj:axe"_s);
+    QStringList walk;
+    for (const int by : { 1, 1, 1, -1, -5 }) {
+        rail.step(by);
+        walk.append(view.desk().project.slug);
+    }
+    EXPECT_EQ(walk.join(' '), "cup bell bell cup axe") << "by groups";
+    for (const auto& [search, found] : { std::pair("TOOLS", 2), std::pair(" bell ", 1), std::pair("cup works", 1),
+             std::pair("box", 2), std::pair("nowhere", 0) }) {
+        rail.setSearch(QString::fromLatin1(search));
+        EXPECT_EQ(rail.projects()->rows().size(), found) << search;
+    }
+    rail.setSearch({});
+    rail.setScopeId(u"local"_s);
+    EXPECT_EQ(rail.scopeId(), "local");
+    EXPECT_EQ(rail.projects()->rows().size(), 1);
+    rail.setScopeId(u"asks"_s);
+    EXPECT_EQ(rail.emptyText(), "Nothing found");
+
+    // Where a shell of a project starts.
+    m_db->exec("UPDATE project SET repo_path='/no/such', control_dir='~/ctl';");
+    rail.setScopeId(u"all"_s);
+    const QString folder = QFileInfo(written(u"ctl/x"_s, "")).absolutePath();
+    EXPECT_EQ(view.desk().directory(), folder);
+    EXPECT_EQ(view.desk().expanded(u"~"_s), m_home.paths().home);
+    EXPECT_EQ(view.desk().expanded(u"~x"_s), "~x");
 }
 
 }

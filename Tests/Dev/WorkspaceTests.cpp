@@ -292,6 +292,9 @@ TEST_F(Workspace, theCommandThatStartsAProjectComesFromItsFiles)
     EXPECT_EQ(command(u"a"_s, u"go.mod"_s, ""), "go run .");
     EXPECT_EQ(command(u"a"_s, u"Cargo.toml"_s, ""), "cargo run");
     EXPECT_EQ(command(u"a"_s, u"Makefile"_s, "all: dev\n\tdev:\nserve: all\n"), "make serve");
+    EXPECT_EQ(command(u"a"_s, u"Makefile"_s, "run:\n"), "make run");
+    EXPECT_EQ(command(u"a"_s, u"package.json"_s, R"({"scripts":{"start":"x"}})" + QByteArray(1 << 20, ' ')), "make run")
+        << "a file of more than a megabyte is not read";
     EXPECT_EQ(command(u"a"_s, u"package.json"_s, R"({"scripts":{"start":"x"}})"), "npm run start");
     EXPECT_EQ(command(u"a"_s, u"pnpm-lock.yaml"_s, ""), "pnpm run start");
 
