@@ -14,7 +14,9 @@
 #include <QFileInfo>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace corvane {
 
@@ -94,6 +96,50 @@ TEST_F(DownloadTest, whatChangedSinceOrComesFromElsewhereBeginsAnew)
     EXPECT_FALSE(QFile::exists(path + u".part"_s) || QFile::exists(path + u".origin"_s));
 }
 
+TEST_F(DownloadTest, whatTheServerCannotResumeIsLoadedOnceMoreFromTheStart)
+{
+    // Without a name for the version, nothing can be resumed safely; the date of the last change is one.
+    const auto part = [&](const QByteArray& version) {
+        home.write(u"model.part"_s, "0123");
+        home.write(u"model.origin"_s, QByteArray(web.base().toUtf8()) + "/model\n" + version);
+    };
+    part({});
+    web.answer(u"/model"_s, LoopbackWeb::status(200, "whole"));
+    EXPECT_EQ(download(), QString());
+    EXPECT_EQ(header("range"), QByteArray());
+    EXPECT_EQ(header("accept-encoding"), "identity");
+    EXPECT_EQ(progress.last(), u"5/5"_s);
+
+    web.answer(u"/model"_s,
+        { "HTTP/1.1 200 OK\r\nContent-Length: 9\r\nETag: W/\"weak\"\r\nLast-Modified: Monday\r\nConnection: "
+          "close\r\n\r\n0123",
+            false, false });
+    EXPECT_NE(download(), QString());
+    EXPECT_EQ(home.read(u"model.origin"_s), web.base().toUtf8() + "/model\nMonday");
+    EXPECT_EQ(QFileInfo(path + u".origin"_s).permissions() & (QFile::ReadGroup | QFile::ReadOther), 0);
+    web.answer(u"/model"_s, LoopbackWeb::status(416));
+    const auto done = outcome(downloadFile(QUrl(web.base() + u"/model"_s), path, {}, {}));
+    EXPECT_TRUE(await([&] { return done->has_value(); }));
+    EXPECT_EQ((*done)->error().message, u"the server answered 416"_s);
+    EXPECT_EQ(web.requests().at(web.requests().size() - 2).headers.value("if-range"), "Monday");
+    EXPECT_EQ(header("range"), QByteArray()) << "the second time from the start, and there is no third";
+    EXPECT_FALSE(QFile::exists(path + u".part"_s));
+
+    part("v1");
+    web.answer(u"/model"_s, LoopbackWeb::status(206, "456", { "Content-Range: bytes 4-6/7" }));
+    EXPECT_EQ(download(), QString());
+    EXPECT_EQ(progress.last(), u"7/7"_s);
+    EXPECT_EQ(home.read(u"model"_s), "0123456");
+    web.answer(u"/model"_s, { "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nno length", false, false });
+    EXPECT_EQ(download(), QString());
+    EXPECT_EQ(progress.last(), u"9/0"_s);
+    EXPECT_EQ(home.read(u"model"_s), "no length");
+    web.answer(u"/model"_s, LoopbackWeb::redirect(u"/other"_s));
+    web.answer(u"/other"_s, LoopbackWeb::status(200, "moved"));
+    EXPECT_EQ(download(), QString());
+    EXPECT_EQ(home.read(u"model"_s), "moved");
+}
+
 TEST_F(DownloadTest, whatCannotBeDownloadedSaysWhy)
 {
     for (const char* url : { "http://models.example/m", "file:///etc/passwd", "https:///m", "ftp://localhost/m" })
@@ -101,15 +147,36 @@ TEST_F(DownloadTest, whatCannotBeDownloadedSaysWhy)
     web.answer(u"/model"_s, LoopbackWeb::status(404, "an error page"));
     EXPECT_EQ(download(), u"the server answered 404"_s);
     EXPECT_FALSE(QFile::exists(path + u".part"_s)) << "no error page is kept";
+    web.answer(u"/model"_s, LoopbackWeb::status(304));
+    EXPECT_EQ(download(), u"the server answered 304"_s);
     CancelHandle cancel;
     LoopbackWeb::Answer never;
     never.hang = true;
     web.answer(u"/model"_s, never);
     const auto done = outcome(downloadFile(QUrl(web.base() + u"/model"_s), path, {}, cancel));
-    ASSERT_TRUE(await([&] { return web.requests().size() == 2; }));
+    ASSERT_TRUE(await([&] { return web.requests().size() == 3; }));
     cancel.cancel();
     EXPECT_TRUE(await([&] { return done->has_value(); }));
-    EXPECT_FALSE(**done);
+    EXPECT_EQ((*done)->error().message, cancelled().error().message);
+    const auto late = outcome(downloadFile(QUrl(web.base() + u"/model"_s), path, {}, cancel));
+    EXPECT_TRUE(await([&] { return late->has_value(); }));
+    EXPECT_EQ((*late)->error().message, cancelled().error().message);
+    EXPECT_EQ(web.requests().size(), 3) << "nothing is asked for what was cancelled";
+    rlimit files {};
+    ::getrlimit(RLIMIT_FSIZE, &files);
+    const auto ignored = ::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small { 200, files.rlim_max };
+    LoopbackWeb::Answer half = LoopbackWeb::status(200, QByteArray(500, 'x'));
+    half.bytes.chop(100);
+    half.hang = true;
+    web.answer(u"/model"_s, half);
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    const QString full = download();
+    ::setrlimit(RLIMIT_FSIZE, &files);
+    ::signal(SIGXFSZ, ignored);
+    EXPECT_EQ(full, u"the file cannot be written (File too large)"_s) << "though more would come";
+    EXPECT_FALSE(QFile::exists(path));
+    forgetDownload(path);
     ASSERT_TRUE(QDir().mkpath(path + u".part"_s));
     web.answer(u"/model"_s, LoopbackWeb::status(200, "whole"));
     EXPECT_TRUE(download().startsWith("the file cannot be written"_L1));
@@ -144,8 +211,32 @@ TEST(HttpExchange, everyWholeAnswerCountsWhateverItSays)
     ASSERT_TRUE(await([&] { return web.paths().size() == 15; }));
     clock.advance(seconds(5));
     EXPECT_EQ(said(late), u"The request timed out."_s);
+    EXPECT_EQ(clock.pendingTimers(), 0);
     EXPECT_EQ(said(ask({ "HTTP/1.1 200 OK\r\nContent-Length: 10\r\nConnection: close\r\n\r\n0123", false, false })),
         u"Connection closed"_s);
+}
+
+TEST(HttpExchange, aCancelledRequestEndsAtOnceWithTheFirstReason)
+{
+    LoopbackWeb web;
+    VirtualScheduler clock;
+    QNetworkAccessManager manager;
+    web.answer(u"/x"_s, { "HTTP/1.1 200 OK\r\n", true, false });
+    const CancelHandle cancel;
+    const auto ask = [&] {
+        return outcome(
+            awaitReply(manager.get(QNetworkRequest(QUrl(web.base() + u"/x"_s))), &clock, { seconds(5), 100 }, cancel));
+    };
+    const auto running = ask();
+    ASSERT_TRUE(await([&] { return web.paths().size() == 1; }));
+    cancel.cancel();
+    clock.advance(seconds(5));
+    const auto late = ask();
+    for (const auto& done : { running, late }) {
+        ASSERT_TRUE(await([&] { return done->has_value(); }));
+        EXPECT_EQ((*done)->error().message, cancelled().error().message);
+    }
+    EXPECT_EQ(clock.pendingTimers(), 0);
 }
 
 }

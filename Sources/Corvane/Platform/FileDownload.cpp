@@ -65,8 +65,13 @@ public:
         if (!m_problem.isEmpty() || (!m_file.isOpen() && !begin()))
             return;
         const QByteArray bytes = m_reply->readAll();
-        if (m_file.write(bytes) != bytes.size() || !m_file.flush())
-            giveUp();
+        // A disk that becomes full takes a part first; only the next write tells why.
+        for (QByteArrayView rest = bytes; !rest.isEmpty();) {
+            const qint64 count = m_file.write(rest.data(), rest.size());
+            if (count <= 0)
+                return giveUp();
+            rest = rest.sliced(count);
+        }
         m_received += bytes.size();
     }
 
@@ -75,7 +80,6 @@ public:
         const bool isWhole = m_file.isOpen() && (m_total == 0 || m_received == m_total);
         if (!isWhole || ::fsync(m_file.handle()) != 0)
             return false;
-        m_file.close();
         QFile::remove(m_path);
         QFile::remove(originPath(m_path));
         return QFile::rename(partPath(m_path), m_path);
@@ -97,7 +101,7 @@ private:
         QByteArray version = m_reply->rawHeader("ETag");
         if (version.isEmpty() || version.startsWith("W/"))
             version = m_reply->rawHeader("Last-Modified");
-        const bool opened = m_file.open(goesOn ? QIODevice::Append : QIODevice::WriteOnly)
+        const bool opened = m_file.open((goesOn ? QIODevice::Append : QIODevice::WriteOnly) | QIODevice::Unbuffered)
             && m_file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)
             && writePrivateFile(originPath(m_path), m_url.toEncoded() + '\n' + version, Outlives::Program);
         if (!opened)
