@@ -10,6 +10,7 @@
 #include <QFile>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace corvane {
 
@@ -87,11 +88,50 @@ TEST(VCardReader, aPhotoThatIsBrokenTooLargeOrElsewhereIsLeftOut)
     }
 }
 
+TEST(VCardReader, theFirstOfEachCountsAndEveryAddressIsTaken)
+{
+    const QByteArray jpeg = QByteArray("\xFF\xD8\xFF", 3) + "j";
+    const auto embedded = [](const QByteArray& image) {
+        return "PHOTO;ENCODING=B:" + image.toBase64() + "\r\n";
+    };
+    const AddressBookPerson person = readOne("FN:First;Name\r\nFN:Second\r\nORG:One;Sales\r\nORG:Two\r\n"
+                                             "EMAIL;TYPE=work:ana@example.org\r\nemail:not an address\r\n"
+                                             "item2.EMAIL:b\\,c@example.org\r\n"
+        + embedded(jpeg) + embedded(png));
+    EXPECT_EQ(
+        person, (AddressBookPerson { "First Name", "", "One", {}, jpeg, { "ana@example.org", "b,c@example.org" } }));
+    EXPECT_EQ(readOne(QByteArray("EMAIL:a@b\r\n").repeated(101)).emails.size(), 100);
+    EXPECT_EQ(readOne("N:Ruiz\r\nFN:Ana Ruiz\r\n"), (AddressBookPerson { "", "Ruiz", "", {}, {} }))
+        << "the whole name only where there are no parts";
+    EXPECT_EQ(readOne("N:;Ana\r\nFN:Ana Ruiz\r\n").givenName, "Ana");
+    EXPECT_EQ(readOne("ORG:" + QByteArray(16'384, 'o') + "\r\n").organisation.size(), 16'384);
+    EXPECT_EQ(
+        readOne("ORG:" + QByteArray(16'385, 'o') + "\r\nFN:Ana\r\n"), (AddressBookPerson { "Ana", "", "", {}, {} }));
+    EXPECT_EQ(readOne("FN:Ana\n\tRuiz\\\r\n").givenName, "AnaRuiz\\") << "folded by a tab, and an escape of nothing";
+    EXPECT_EQ(readOne(" TEL : 1\r\n").phones, QStringList()) << "the continuation of what stands before it";
+    EXPECT_EQ(readOne("TEL;X=\"a;b\";TYPE=home:1\r\n").phones, QStringList("1"));
+
+    for (const QByteArray& image : { QByteArray("GIF8"), "RIFF" + QByteArray(4, 'x') + "WEBP", jpeg, png })
+        EXPECT_EQ(readOne(embedded(image)).photo, image);
+    for (const QByteArray& other : { QByteArray("RIFF") + QByteArray(4, 'x') + "WAVE",
+             "XXXX" + QByteArray(4, 'x') + "WEBP", QByteArray("\xFF\xD8"), QByteArray("\x89PNG") })
+        EXPECT_EQ(readOne(embedded(other)).photo.size(), 0) << other.constData();
+    for (const QByteArray& parameter :
+        { QByteArray("ENCODING=b"), QByteArray("encoding=base64"), QByteArray("base64") })
+        EXPECT_EQ(readOne("PHOTO;" + parameter + ':' + png.toBase64() + "\r\n").photo, png) << parameter.constData();
+    EXPECT_EQ(readOne("PHOTO:data:image/png," + png.toBase64() + "\r\n").photo.size(), 0) << "no base64";
+    EXPECT_EQ(readOne("PHOTO:DATA:image/png;BASE64," + png.toBase64() + "\r\n").photo, png);
+    const QByteArray most = png + QByteArray(1024 * 1024 - png.size(), 'x');
+    EXPECT_EQ(readOne(fold("PHOTO;ENCODING=b:" + most.toBase64())).photo.size(), most.size());
+    EXPECT_EQ(readOne("PHOTO;ENCODING=b:" + (most + 'x').toBase64() + "\r\n").photo.size(), 0);
+}
+
 TEST(VCardReader, onlyWholeCardsCount)
 {
     EXPECT_EQ(read("").size(), 0);
     EXPECT_EQ(read("FN:Nobody\nEND:VCARD\n").size(), 0);
     EXPECT_EQ(read("BEGIN:VCARD\nFN:Cut").size(), 0);
+    EXPECT_EQ(read("BEGIN:VEVENT\nEND:VCARD\nBEGIN:VCARD\nEND:VEVENT\n").size(), 0);
     const auto people = read("BEGIN:VCARD\nFN:Cut\nTEL:1\nBEGIN:VCARD\nFN:Whole\nEND:VCARD\n");
     ASSERT_EQ(people.size(), 1);
     EXPECT_EQ(people.first().givenName, "Whole");
@@ -140,7 +180,24 @@ TEST_F(AddressBookFolders, whatCannotBeReadIsSkipped)
     QDir().mkpath(home.path("share/contacts/home/folder.vcf"));
     ASSERT_EQ(mkfifo(qPrintable(home.path("share/contacts/home/pipe.vcf")), 0600), 0);
     QFile::link("/nowhere/at/all.vcf", home.path("share/contacts/home/gone.vcf"));
-    EXPECT_EQ(names(), QStringList("Zoe"));
+    home.write("share/contacts/home/shut.vcf", "BEGIN:VCARD\nFN:Shut\nEND:VCARD\n");
+    QFile::setPermissions(home.path("share/contacts/home/shut.vcf"), {});
+    EXPECT_EQ(names(), ::geteuid() == 0 ? QStringList({ "Shut", "Zoe" }) : QStringList("Zoe"));
+    EXPECT_FALSE(makeAddressBook({ "", home.path("none/Corvane"), "", "" })->requestAccess({}));
+}
+
+TEST_F(AddressBookFolders, allPhotosTogetherHaveABound)
+{
+    const QByteArray image = png + QByteArray(1024 * 1024 - png.size(), 'x');
+    const QByteArray card = "BEGIN:VCARD\nFN:Ana\nPHOTO;ENCODING=b:" + image.toBase64() + "\nEND:VCARD\n";
+    home.write("share/contacts/home/a.vcf", card.repeated(40));
+    home.write("share/contacts/home/b.vcf", card.repeated(30));
+    qsizetype photos = 0;
+    const auto people = book->people({});
+    for (const AddressBookPerson& person : people)
+        photos += person.photo.isEmpty() ? 0 : 1;
+    EXPECT_EQ(people.size(), 70);
+    EXPECT_EQ(photos, 64);
 }
 
 TEST_F(AddressBookFolders, aFileOfAHundredMegabytesIsReadToItsBound)

@@ -1,4 +1,5 @@
 #include "Foundation/Literals.h"
+#include "Platform/Linux/Decode/DecodeMessages.h"
 #include "Platform/Linux/Decode/Sandbox.h"
 #include "Support/Await.h"
 #include "Support/LogCapture.h"
@@ -11,6 +12,7 @@
 #include <QImage>
 #include <QImageWriter>
 #include <QProcess>
+#include <QSet>
 #include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -291,13 +293,39 @@ TEST(Sandbox, nothingCanBeOpenedConnectedOrStarted)
 TEST(DecodeMessages, anAnswerThatDoesNotFitItsOrderIsRefused)
 {
     using Kind = DecodeHead::Kind;
-    const DecodeOrder order { .kind = DecodeOrder::Kind::Picture, .box = box };
-    EXPECT_TRUE(fitsOrder({ Kind::Done, 0, 10, 10, 0, 0, 400 }, order));
-    const std::initializer_list<DecodeHead> unfit { { Kind::Done, 0, 10, 10, 0, 0, 404 },
-        { Kind::Done, 0, 201, 1, 0, 0, 804 }, { Kind::Done, 0, -10, -10, 0, 0, 400 }, { Kind::Failed, 99 },
-        { Kind::Ready } };
-    for (const DecodeHead& head : unfit)
-        EXPECT_FALSE(fitsOrder(head, order));
-    EXPECT_FALSE(fitsOrder({ Kind::Done, 0, 0, 0, 0, 0, 9 }, { .kind = DecodeOrder::Kind::Sound, .count = 4 }));
-    EXPECT_FALSE(fitsOrder({ Kind::Done, 0, 0, 0, 0, 0, 40 }, { .kind = DecodeOrder::Kind::Sound, .count = 4 }));
+    const auto failed = [](int failure, quint32 payload = 0) {
+        return DecodeHead { .kind = Kind::Failed, .failure = failure, .payload = payload };
+    };
+    const auto done = [](int width, int height, quint32 payload, qint64 durationMs = 0) {
+        return DecodeHead { Kind::Done, 0, width, height, durationMs, 0, payload };
+    };
+    const DecodeOrder picture { .kind = DecodeOrder::Kind::Picture, .box = box };
+    for (const DecodeHead& head : { done(10, 10, 400), done(200, 100, 80'000), done(1, 1, 4), failed(0),
+             failed(int(DecodeFailure::Unavailable)) })
+        EXPECT_TRUE(fitsOrder(head, picture)) << head.payload;
+    for (const DecodeHead& head : { done(10, 10, 404), done(10, 10, 396), done(201, 1, 804), done(1, 101, 404),
+             done(-10, -10, 400), done(0, 10, 0), done(10, 0, 0), done(10, 10, 400, -1), failed(-1),
+             failed(int(DecodeFailure::Unavailable) + 1), failed(0, 4), DecodeHead() })
+        EXPECT_FALSE(fitsOrder(head, picture)) << head.payload;
+
+    const DecodeOrder shape { .kind = DecodeOrder::Kind::Shape, .count = 4 };
+    EXPECT_TRUE(fitsOrder(done(0, 0, 16, 2000), shape));
+    for (const quint32 payload : { 12U, 17U, 20U })
+        EXPECT_FALSE(fitsOrder(done(0, 0, payload), shape)) << payload;
+    const DecodeOrder sound { .kind = DecodeOrder::Kind::Sound, .count = 4, .format = { 48'000, 2 } };
+    for (const quint32 payload : { 0U, 8U, 32U })
+        EXPECT_TRUE(fitsOrder(done(0, 0, payload), sound)) << payload;
+    for (const quint32 payload : { 4U, 9U, 36U, 40U })
+        EXPECT_FALSE(fitsOrder(done(0, 0, payload), sound)) << payload;
+}
+
+TEST(DecodeFailure, eachIsToldInWordsOfItsOwn)
+{
+    QSet<QString> told;
+    for (int failure = 0; failure <= int(DecodeFailure::Unavailable); ++failure) {
+        const QString words = describe(DecodeFailure(failure));
+        EXPECT_TRUE(words.endsWith('.')) << words.toStdString();
+        told.insert(words);
+    }
+    EXPECT_EQ(told.size(), int(DecodeFailure::Unavailable) + 1);
 }

@@ -61,6 +61,52 @@ TEST(WholeFile, aFileThatWasCutIsToldByItsOwnFormat)
     QByteArray wrong = mpeg4;
     qToBigEndian(quint32(7), wrong.data() + 16);
     EXPECT_FALSE(isWhole(wrong)) << "no box is so short";
+    EXPECT_TRUE(isWhole(box("ftyp", 8) + box("moov", 0))) << "but this short";
+}
+
+TEST(WholeFile, aJpegIsFollowedThroughItsSegmentsToItsEnd)
+{
+    const QByteArray begin("\xff\xd8");
+    const QByteArray comment = QByteArray("\xff\xfe\x00\x06", 4) + "abcd";
+    const QByteArray scan = QByteArray("\xff\xda\x00\x02", 4) + "pixels";
+    const QByteArray video(10'000, 'v');
+    EXPECT_TRUE(isWhole(begin + comment + scan + "\xff\xd9"));
+    EXPECT_TRUE(isWhole(begin + comment + scan + "\xff\xd9" + video)) << "what a phone appended";
+    EXPECT_FALSE(isWhole(begin + comment + scan + video));
+    EXPECT_FALSE(isWhole(begin + comment + video)) << "no picture follows";
+    EXPECT_FALSE(isWhole(begin + QByteArray("\xff\xfe\x00\x08", 4) + "\xff\xd9" + "ab" + video))
+        << "an end within a comment is none";
+    EXPECT_FALSE(isWhole(begin + comment + "\xff"));
+    EXPECT_FALSE(isWhole(begin + comment));
+}
+
+TEST(WholeFile, aLengthReachesExactlyToTheEnd)
+{
+    const auto chunk = [](const char* name, int size) {
+        return QByteArray("\0\0\0", 3) + char(size) + name + QByteArray(size + 4, 'c');
+    };
+    const QByteArray png = QByteArray("\x89PNG\r\n\x1a\n", 8) + chunk("IHDR", 13) + chunk("IDAT", 0);
+    EXPECT_TRUE(isWhole(png + chunk("IEND", 0)));
+    EXPECT_FALSE(isWhole(png + chunk("IEND", 0).chopped(1)));
+    EXPECT_FALSE(isWhole(png)) << "no end";
+    EXPECT_FALSE(isWhole(png + chunk("IEND", 0).first(7)));
+    EXPECT_FALSE(isWhole(png + chunk("tEXt", 0).repeated(99'997)));
+    EXPECT_TRUE(isWhole(png + chunk("tEXt", 0).repeated(99'998))) << "so many are not followed";
+    EXPECT_FALSE(isWhole(box("ftyp", 0) + box("free", 0).repeated(99'999)));
+    EXPECT_TRUE(isWhole(box("ftyp", 0) + box("free", 0).repeated(100'000)));
+    const auto riff = [](quint32 length, qsizetype size) {
+        QByteArray bytes = "RIFF" + QByteArray(size - 4, 'x');
+        qToLittleEndian(length, bytes.data() + 4);
+        return bytes;
+    };
+    EXPECT_TRUE(isWhole(riff(4, 12)));
+    EXPECT_FALSE(isWhole(riff(5, 12)));
+    EXPECT_TRUE(isWhole(riff(0, 8)));
+    EXPECT_TRUE(isWhole("RIFF")) << "too short to say";
+    EXPECT_TRUE(isWhole(riff(0x7ffff000, 12)));
+    EXPECT_FALSE(isWhole(riff(0x7fffefff, 12)));
+    EXPECT_TRUE(isWhole("1234567ftyp"));
+    EXPECT_FALSE(isWhole("1234ftyp"));
 }
 
 }

@@ -22,14 +22,13 @@ namespace {
 
 bool writeAll(int descriptor, QByteArrayView content)
 {
-    qsizetype written = 0;
-    while (written < content.size()) {
-        const ssize_t count = ::write(descriptor, content.data() + written, size_t(content.size() - written));
+    while (!content.isEmpty()) {
+        const ssize_t count = ::write(descriptor, content.data(), size_t(content.size()));
         if (count < 0 && errno == EINTR)
             continue;
         if (count <= 0)
             return false;
-        written += count;
+        content = content.sliced(count);
     }
     return true;
 }
