@@ -4,12 +4,16 @@
 #include "Approvals/ApprovalsStore.h"
 #include "Calls/RecordedCalls.h"
 #include "Engines/AccountStore.h"
+#include "Store/Approvals/EventRequests.h"
+#include "Store/Approvals/WorkDecisions.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/EngineWorld.h"
 #include "Support/Print.h"
+#include "Support/Rows.h"
 #include "Support/WaitingItems.h"
 
 #include <QAbstractItemModelTester>
+#include <QSignalSpy>
 #include <gtest/gtest.h>
 
 using namespace corvane;
@@ -118,6 +122,10 @@ TEST_F(ApprovalsViewTest, whereNothingWaitsItSaysSoForEachKind)
     EXPECT_EQ(view.count(), 0);
     EXPECT_EQ(view.badge(), "");
     EXPECT_EQ(view.emptyTitle(), "No pending approvals");
+    EXPECT_TRUE(view.emptyText().startsWith("Nothing is waiting on you. "));
+    EXPECT_TRUE(view.settingsEmptyText().startsWith("No approvals yet — appears when an agent queues a send, "));
+    EXPECT_EQ(view.heads().title("CRM Updates"), "CRM Updates");
+    EXPECT_FALSE(view.stepBack());
     EXPECT_EQ(view.emptyLines(),
         QStringList(
             { "No message drafts waiting.", "No CRM update proposals waiting.", "No agent decisions waiting." }));
@@ -206,7 +214,11 @@ TEST_F(ApprovalsViewTest, aRiskyDecisionIsAskedAboutOnceMoreWithWhatItPaysToWhom
     writeDecision(db(), "w1", "Pay", "Transfer 412.80 EUR to Arcillas del Sur for invoice 311.", "", "money");
     writeDecision(db(), "w2", "Pay", "300", "", "low");
     look();
+    EXPECT_EQ(view.askingRow(), -1);
+    view.log()->setShown(true);
     view.approve("decision:w1");
+    EXPECT_FALSE(view.log()->shown()) << "the question is in the other list";
+    EXPECT_EQ(view.askingRow(), column(*view.rows(), "key").indexOf("decision:w1"));
     EXPECT_EQ(view.asking(), "decision:w1");
     EXPECT_EQ(shown("decision:w1", "question"), "Approve this payment: 412.80 EUR to Arcillas del Sur?");
     view.approve("decision:w2");
@@ -219,6 +231,8 @@ TEST_F(ApprovalsViewTest, aRiskyDecisionIsAskedAboutOnceMoreWithWhatItPaysToWhom
     view.confirm();
     view.approve("decision:w1");
     EXPECT_TRUE(view.stepBack());
+    EXPECT_EQ(view.asking(), "");
+    EXPECT_FALSE(view.stepBack());
     view.confirm();
     EXPECT_EQ(shown("decision:w1", "secondsLeft"), "0");
     centre.post(notifications::approvalAction, {}, { { "kind", "decision" }, { "id", "w1" }, { "action", "approve" } });
@@ -303,6 +317,87 @@ TEST_F(ApprovalsViewTest, whatWasDecidedStandsInAListWithWhatCameOfIt)
     EXPECT_FALSE(log.hasOlder());
 }
 
+TEST_F(ApprovalsViewTest, theListOfTheDecidedFollowsWhileItIsShownAndReadsOlderLinesWhenAsked)
+{
+    DecisionLog& log = *view.log();
+    for (const QString& id : { "c1", "c2" }) {
+        db().run("INSERT INTO calendar_command(id, workspace_id, title, start_ms, end_ms, status, created_at) "
+                 "VALUES(?,'local','Lunch',1000,2000,'pending',0);",
+            { id });
+        ASSERT_EQ(rejectEvent(db(), id), Decided::Taken);
+    }
+    db().exec("DELETE FROM calendar_command WHERE id='c1';");
+    writeProposal(db(), "p1", "task", "Call", "{}");
+    writeDraft(db(), "d1", "", "hello");
+    ASSERT_EQ(rejectCRMUpdateProposal(db(), "p1"), Decided::Taken);
+    ASSERT_EQ(rejectDraft(db(), "d1"), Decided::Taken);
+    const auto lines = [&](const QByteArray& role) {
+        return column(*log.rows(), role);
+    };
+    const QSignalSpy changes(&log, &DecisionLog::changed);
+    view.refresh();
+    EXPECT_EQ(changes.size(), 0);
+    EXPECT_TRUE(log.emptyText().startsWith("What you approve, apply or reject appears here"));
+    log.setShown(true);
+    log.setShown(true);
+    EXPECT_EQ(changes.size(), 2);
+    EXPECT_EQ(lines("title"), QStringList({ "Message to 1@s.whatsapp.net", "Call", "Lunch", "A calendar event" }));
+    EXPECT_EQ(lines("kind"), QStringList({ "draft", "proposal", "event", "event" }));
+    EXPECT_EQ(lines("tone").join(',') + lines("day").first(), "bad,bad,bad,badToday");
+    EXPECT_EQ(lines("platform"), QStringList({ "WHATSAPP", "", "", "" }));
+    EXPECT_EQ(lines("body")[3], "It is no longer stored.");
+    EXPECT_EQ(lines("body")[2].section(u' ', 0, 0), eventWords({}, 0).section(u' ', 0, 0)) << "at the epoch's day";
+    db().exec("DELETE FROM outbound_draft; DELETE FROM crm_update_proposal;");
+    for (const QString& id : { "w1", "w2" }) {
+        writeDecision(db(), id, id, QString(300, u'x'), "", "");
+        look();
+        ASSERT_EQ(rejectWorkDecision(db(), id, id == "w1" ? "Ben" : "Oskel"), Decided::Taken);
+        look();
+        EXPECT_EQ(lines("title").first(), id);
+    }
+    EXPECT_EQ(lines("who").mid(0, 3), QStringList({ "You", "Ben", "You" }));
+    EXPECT_EQ(lines("body").first(), QString(240, u'x'));
+    EXPECT_EQ(lines("title").mid(2, 2), QStringList({ "A message", "A change to the CRM" }));
+    const qsizetype read = changes.size();
+    writeDecision(db(), "w3", "w3", "", "", "");
+    look();
+    EXPECT_EQ(changes.size(), read) << "nothing was decided";
+    log.setShown(false);
+    for (int n = 0; n < 300; ++n) {
+        const QString id = u"more%1"_s.arg(n);
+        writeDecision(db(), id, id, "", "", "");
+        rejectWorkDecision(db(), id, "Oskel");
+    }
+    look();
+    EXPECT_EQ(lines("title").first(), "w2") << "it is not shown";
+    log.setShown(true);
+    EXPECT_EQ(lines("title").size(), 300);
+    EXPECT_TRUE(log.hasOlder());
+    log.showOlder();
+    EXPECT_EQ(lines("title").size(), 306);
+    EXPECT_FALSE(log.hasOlder());
+}
+
+TEST_F(ApprovalsViewTest, anEditIsTakenBackOneStepAtATimeAndNoticesAreDismissed)
+{
+    writeDraft(db(), "d1", "Ana", "hello");
+    look();
+    view.edit("draft:d1");
+    EXPECT_TRUE(view.stepBack());
+    EXPECT_EQ(view.editor()->draftId() + view.editor()->text(), "");
+    const QSignalSpy texts(view.editor(), &DraftEdit::textChanged);
+    view.editor()->close();
+    view.editor()->save();
+    EXPECT_EQ(texts.size(), 0);
+    db().exec("UPDATE outbound_draft SET body='other';");
+    view.approve("draft:d1");
+    clock.advance(seconds(5));
+    EXPECT_EQ(view.notice(), "Ana: Changed since you saw it.");
+    view.dismissNotice();
+    EXPECT_EQ(view.notice(), "");
+    EXPECT_EQ(draftStatus("d1"), "pending");
+}
+
 TEST_F(ApprovalsViewTest, aProposalAboutNobodyIsAppliedOnceAPersonSaysWhomItIsAbout)
 {
     ensureConversation(db(), "EMAIL", "main", "jose@example.com", "José Ortega", 20);
@@ -332,6 +427,9 @@ TEST_F(ApprovalsViewTest, aProposalAboutNobodyIsAppliedOnceAPersonSaysWhomItIsAb
     EXPECT_EQ(link.subject(), "");
     EXPECT_EQ(words("proposal:p1", { "title", "detail", "linkLabel", "failureReason" }),
         "Add call note|Note · José Ortega|Change contact|");
+    link.begin("p1");
+    EXPECT_TRUE(view.stepBack());
+    EXPECT_EQ(link.subject(), "");
     link.begin("p1");
     view.approve("proposal:p1");
     clock.advance(seconds(5));

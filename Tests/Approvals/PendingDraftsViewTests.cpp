@@ -183,6 +183,11 @@ TEST_F(PendingDraftsTest, whatAnotherProgramChangedMeanwhileIsNotSentAndTheRefus
     EXPECT_EQ(sent(), 0);
     EXPECT_EQ(drafts.notice(), "Ana Ruiz: Changed since you saw it.");
     EXPECT_EQ(shown("body"), "other words");
+    drafts.dismissNotice();
+    EXPECT_EQ(drafts.notice(), "");
+    updateDraftBody(engines.db(), id, "third words");
+    send(id);
+    EXPECT_EQ(drafts.notice(), "Ana Ruiz: Changed since you saw it.");
     send(id);
     EXPECT_EQ(sent(), 1);
     EXPECT_EQ(drafts.notice(), "");
@@ -212,11 +217,50 @@ TEST_F(PendingDraftsTest, oneAtATimeIsAskedAboutAndNoneThatIsEdited)
     EXPECT_EQ(drafts.confirmDraft(), "") << "it has left the list";
 }
 
+TEST_F(PendingDraftsTest, aRowThatWasPressedKeepsItsPlaceAndAFileThatIsGoneSaysSo)
+{
+    const QString id = queue("hello");
+    EXPECT_EQ(drafts.editor(), panel.editor());
+    engines.db().run("UPDATE outbound_draft SET files=?;",
+        { QString(R"([{"path":"/none/a.pdf","name":"a.pdf","mime":"application/pdf","bytes":5,"sha256":"x"}])") });
+    engines.db().exec("UPDATE outbound_draft SET subject='Plans';");
+    clock.advance(seconds(4));
+    EXPECT_EQ(shown("subject"), "Subject: Plans");
+    const auto files = static_cast<RowListModel<PendingDraftItem>*>(drafts.rows())->rows().first().files;
+    ASSERT_EQ(files.size(), 1);
+    EXPECT_EQ(files[0].name + u'|' + files[0].size + u'|' + files[0].path, "a.pdf|Not there any more|");
+    auto& rows = static_cast<HoldingListModel&>(*drafts.rows());
+    rows.setPointerInside(true);
+    drafts.reject(id);
+    EXPECT_EQ(shown("secondsLeft"), "5");
+    clock.advance(seconds(5));
+    EXPECT_EQ(status(id), "rejected");
+    ASSERT_EQ(rows.rowCount(), 1);
+    EXPECT_EQ(shown("canDecide") + shown("secondsLeft"), "false0");
+}
+
 TEST(DraftWords, theLineOverTheThreadSaysWhoseDraftItIs)
 {
     EXPECT_EQ(draftStatusTitle(draftOf("placed")), "Placed in browser for 4917 · WHATSAPP");
     EXPECT_EQ(draftStatusTitle(draftOf("Failed")), "Local send failed to 4917 · WHATSAPP");
     EXPECT_EQ(draftStatusTitle(draftOf("pending", "WEB")), "Web draft waiting for local approval · 4917 · WHATSAPP");
+    EXPECT_EQ(draftStatusTitle(draftOf("pending", "Forward")), "You forward to 4917 · WHATSAPP");
+    EXPECT_EQ(draftStatusTitle(draftOf("pending", "compose")), "You write to 4917 · WHATSAPP");
+    EXPECT_EQ(statusLabel(draftOf("sent")), "sent");
+    Account account;
+    RuntimeState engine;
+    const auto waits = [&](const QString& status) {
+        return waitingReason(draftOf(status), account, engine);
+    };
+    EXPECT_EQ(waits("approved"), "");
+    engine.status = WAStatus::Error;
+    engine.lastLog = "No disk.";
+    EXPECT_EQ(waits("approved"), "The engine is not running. No disk.");
+    engine.status = WAStatus::NeedsQR;
+    EXPECT_EQ(waits("approved"), "The account waits to be linked in Settings.");
+    account.paused = true;
+    EXPECT_EQ(waits("approved"), "The account is paused. Start runs its engine, which then sends the message.");
+    EXPECT_EQ(waits("pending"), "");
     PendingDraft acknowledged = draftOf("pending");
     acknowledged.webAckStatus = "seen";
     EXPECT_EQ(draftStatusTitle(acknowledged), "Web draft waiting for local approval · 4917 · WHATSAPP");

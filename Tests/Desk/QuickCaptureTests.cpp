@@ -1,8 +1,11 @@
 #include "Desk/QuickCapture.h"
 
+#include "Store/Core/StoreWatch.h"
 #include "Store/Work/WorkRecords.h"
 #include "Support/FakeShortcuts.h"
 #include "Support/StoreTest.h"
+
+#include <QSignalSpy>
 
 using namespace corvane;
 
@@ -44,15 +47,29 @@ TEST_F(QuickCaptureTest, oneKeyOpensAndClosesItAndReturnKeepsTheWords)
 
     capture.toggle();
     EXPECT_EQ(capture.property("text").toString(), "") << "of the last time";
+    QStringList kinds;
+    for (const Choice& kind : QuickCapture::kinds())
+        kinds.append(kind.id + u' ' + kind.label);
+    EXPECT_EQ(kinds, QStringList({ "task Task", "note Note" }));
+    capture.setProperty("kind", "note");
+    EXPECT_EQ(capture.hint(), "Saves as an Ops note — review anytime in the Work Console.");
     capture.setProperty("text", " \n ");
     capture.save();
     capture.toggle();
     capture.setProperty("text", "never");
+    EXPECT_EQ(capture.property("kind").toString(), "task") << "each time anew";
+    const QSignalSpy shown(&capture, &QuickCapture::visibleChanged);
     capture.toggle();
+    capture.close();
+    EXPECT_EQ(shown.size(), 1);
     EXPECT_FALSE(capture.isVisible());
     EXPECT_EQ(items().size(), 1);
 
+    int told = 0;
+    db.watch().on(StoreSubject::Work, &capture, [&] { ++told; });
     EXPECT_TRUE(saveCapture(db, "note", "The kiln is cold"));
+    EXPECT_TRUE(items().contains("note|The kiln is cold|open|normal|Oskel|quick-capture"));
+    EXPECT_EQ(told, 1);
     db.exec("DROP TABLE work_item;");
     capture.toggle();
     capture.setProperty("text", "lost");

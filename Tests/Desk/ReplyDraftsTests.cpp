@@ -50,6 +50,12 @@ TEST_F(ReplyDraftsTest, aReplyQueuesInApprovalsAndEachFailureIsTold)
         "A model on this computer or Codex CLI unavailable — start a model on this computer or install Codex CLI.");
 
     lumo.model.setAvailable();
+    lumo.model.willFail("The model is busy.");
+    replies.draft(row);
+    EXPECT_EQ(said(), "The model is busy.");
+    EXPECT_FALSE(replies.state(row.conversationId).isBusy);
+    EXPECT_EQ(db.scalar("SELECT COUNT(*) FROM outbound_draft;"), "0");
+
     const auto answer = lumo.model.willAnswerLater();
     replies.draft(row);
     replies.draft(row); // ignored while one is in progress

@@ -75,6 +75,16 @@ TEST_F(AssistantTest, aRewriteKeepsWhatIsQuotedOrIsNotShown)
 {
     draft.rewrite("shorten");
     EXPECT_EQ(draft.stateWord() + '|' + draft.title(), "error|There is no composer text to rewrite.");
+    EXPECT_EQ(draft.caption(), "Composer draft only");
+    QStringList offered;
+    for (const Choice& rewrite : draft.rewrites())
+        offered.append(rewrite.id + ' ' + rewrite.label);
+    EXPECT_EQ(offered, QStringList({ "shorten Shorten", "warmer Make warmer", "grammar Fix grammar" }));
+    EXPECT_TRUE(draft.languages().contains("German"));
+    EXPECT_TRUE(draft.citations().isEmpty());
+    draft.dismiss();
+    draft.rewrite("longer");
+    EXPECT_EQ(draft.stateWord(), "idle");
     composer.setText("She said \"by Friday\" and nothing else at all.");
     model.willAnswer(rewritten("She said \"by Friday\"."));
     draft.rewrite("shorten");
@@ -117,6 +127,8 @@ TEST_F(AssistantTest, whatIsCancelledOrAboutAnotherPersonIsNeverShown)
     inbox.reply()->summary()->summarize();
     inbox.person()->select(ben);
     EXPECT_TRUE(second.hasArrived() && third.hasArrived());
+    EXPECT_EQ(inbox.reply()->summary()->html(), "");
+    EXPECT_TRUE(inbox.reply()->summary()->citations().isEmpty());
     EXPECT_EQ(draft.stateWord() + inbox.reply()->summary()->stateWord(), "idleidle");
 }
 
@@ -146,6 +158,7 @@ TEST_F(AssistantTest, aSummaryLinksItsLabelsToTheirMessages)
     ThreadSummary& summary = *inbox.reply()->summary();
     model.willAnswer(u"- Situation: <b>Ana</b> asks for Thursday [M1, M7].\n  * **Next**: answer M1"_s);
     summary.summarize();
+    EXPECT_EQ(summary.stateWord() + '|' + summary.title(), "ready|Summary");
     EXPECT_EQ(summary.html(),
         "• Situation: &lt;b&gt;Ana&lt;/b&gt; asks for Thursday [<a href=\"wa:msg:m1\">M1</a>, "
         "M7].<br>&nbsp;&nbsp;&nbsp;"
@@ -154,6 +167,10 @@ TEST_F(AssistantTest, aSummaryLinksItsLabelsToTheirMessages)
     EXPECT_EQ(summary.citations().first().messageId, "wa:msg:m1");
     EXPECT_TRUE(model.asked.last().prompt.startsWith("Summarize this local thread with Ana Ruiz.\n\nReturn exactly:"));
 
+    model.willFail("The model server closed the connection.");
+    summary.summarize();
+    EXPECT_EQ(summary.stateWord() + '|' + summary.title(), "error|The model server closed the connection.");
+    EXPECT_EQ(summary.html(), "");
     engines.db().exec("UPDATE unified_message SET body='  ';");
     summary.summarize();
     EXPECT_EQ(summary.stateWord() + '|' + summary.title() + '|' + summary.detail(),
@@ -164,6 +181,8 @@ TEST_F(AssistantTest, aQuestionIsAnsweredFromTheThreadAndTheNotes)
 {
     AskLumo& ask = *inbox.reply()->askLumo();
     EXPECT_EQ(ask.heading(), "Ask Lumo about Ana Ruiz");
+    EXPECT_TRUE(ask.placeholder().startsWith("e.g. What did we agree on?"));
+    EXPECT_EQ(ask.actionLabel(), "Ask");
     ask.ask("  \n");
     EXPECT_EQ(ask.stateWord(), "idle");
     model.willAnswer(u"Thursday at 15:00.\n"_s);
@@ -189,6 +208,12 @@ TEST_F(AssistantTest, aQuestionIsAnsweredFromTheThreadAndTheNotes)
     EXPECT_EQ(ask.question() + '|' + ask.answer(), "Milk?|") << "the old answer is gone";
     ask.dismiss();
 
+    inbox.person()->select({});
+    ask.ask("Who?");
+    inbox.reply()->summary()->summarize();
+    draft.draftReply();
+    draft.translate("German");
+    EXPECT_EQ(ask.stateWord() + inbox.reply()->summary()->stateWord() + draft.stateWord(), "idleidleidle");
     ContactRow stranger;
     stranger.id = "ct:WHATSAPP:491725550199@s.whatsapp.net";
     stranger.name = "491725550199@s.whatsapp.net";

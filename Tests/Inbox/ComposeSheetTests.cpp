@@ -20,6 +20,9 @@ TEST_F(ComposeSheetTest, aMessageToANewPersonWaitsForApproval)
     sheet.open();
     EXPECT_EQ(sheet.accountId(), account.id.toString());
     EXPECT_EQ(sheet.property("recipientLabel"), "Recipient");
+    EXPECT_EQ(sheet.property("recipientExample"), "+34 600 000 000");
+    EXPECT_EQ(sheet.emptyText(), "");
+    EXPECT_TRUE(sheet.shown());
     sheet.setRecipient(" +49 (170) 123-45 ");
     EXPECT_TRUE(sheet.hasValidRecipient());
     EXPECT_FALSE(sheet.valid()) << "no message";
@@ -53,6 +56,26 @@ TEST_F(ComposeSheetTest, whatCannotBeQueuedStaysInTheSheet)
     sheet.setAccountId("nonsense");
     EXPECT_EQ(sheet.accountId(), mail.id.toString());
     EXPECT_EQ(sheet.property("recipientLabel"), "Email address");
+    EXPECT_EQ(sheet.property("recipientExample"), "name@example.com");
+    QStringList offered;
+    for (const AccountChoice& choice : sheet.accounts())
+        offered.append(choice.label + ' ' + choice.channel);
+    EXPECT_EQ(offered, QStringList({ "Main · WhatsApp WHATSAPP", "Mail · Email EMAIL" }));
+    const QSignalSpy changes(&sheet, &ComposeSheet::changed);
+    for (int again = 0; again < 2; ++again) {
+        sheet.setRecipient("new");
+        sheet.setMessage("hi");
+        sheet.setSubject("none");
+    }
+    EXPECT_EQ(changes.size(), 3);
+    sheet.submit();
+    EXPECT_TRUE(sheet.shown()) << "it has no address";
+    sheet.attachments()->add({ QUrl::fromLocalFile(home.path("gone.pdf")) });
+    EXPECT_EQ(sheet.errorText(), "gone.pdf can't be read.");
+    sheet.close();
+    EXPECT_FALSE(sheet.shown());
+    sheet.open();
+    EXPECT_EQ(sheet.errorText(), "");
     sheet.setRecipient(" New@X.de ");
     sheet.setMessage("good day");
     rememberFeatures(engines.db(), mail.slug, { true, 1000, true });
@@ -95,6 +118,10 @@ TEST(ComposeSheetRules, aRecipientIsCheckedByItsChannel)
     }
     EXPECT_EQ(recipientLabel(Channel::LinkedIn), "LinkedIn profile");
     EXPECT_EQ(recipientLabel(Channel::Telegram), "Recipient");
+    EXPECT_EQ(recipientExample(Channel::Telegram), "");
+    EXPECT_EQ(recipientExample(Channel::Sms), "+34 600 000 000");
+    EXPECT_EQ(recipientAddress(Channel::Sms, "600 11"), "60011");
+    EXPECT_EQ(recipientAddress(Channel::Telegram, " @Ana "), "@Ana");
     EXPECT_EQ(recipientAddress(Channel::WhatsApp, "+٤٩ 170"), "49170@s.whatsapp.net");
     EXPECT_EQ(recipientAddress(Channel::Sms, " +49 (170) 12 "), "+4917012");
     EXPECT_EQ(recipientAddress(Channel::Sms, "0049 170 12"), "+4917012");
