@@ -146,6 +146,73 @@ TEST_F(Today, theDayIsReadWhileItIsSeen)
     EXPECT_EQ(view.noticeTitle(), "Web session expired — sync is down");
 }
 
+TEST_F(Today, eachCountIsSaidInItsOwnWords)
+{
+    const qint64 now = world.clock.nowMs();
+    const auto meet = [&](const char* id, const char* title, qint64 start) {
+        db.run("INSERT INTO calendar_event(id, workspace_id, title, start_ms, end_ms, updated_at) "
+               "VALUES(?,'local',?,?,?,0);",
+            { QString::fromLatin1(id), QString::fromLatin1(title), start, start + 60'000 });
+    };
+    meet("past", "Past", now - 3 * 86'400'000);
+    view.setVisible(true);
+    EXPECT_EQ(lines().value(3), "No meetings today");
+    meet("one", "Weekly", now + 120'000);
+    meet("two", "Review", now + 60'000);
+    for (const char* who : { "Ana", "Ben" })
+        insertWorkMessage(db, { u"ops"_s, {}, QString::fromLatin1(who), u"assistant"_s, u"message"_s, u"Done"_s });
+    db.run(R"(INSERT INTO "update"(id, body, created_at) VALUES('u','Kiln fired',?);)", { isoTime(now) });
+    const Account account = accounts.add("Main", Channel::WhatsApp);
+    world.engines.setAccounts(&accounts);
+    world.launcher.expect(FakeLauncher::stays());
+    world.engines.start(account);
+    view.setVisible(true);
+    EXPECT_EQ(lines(),
+        (QStringList { "0 waiting for your approval", "0 unread messages", "0 open work items",
+            "2 meetings today · Review", "2 agent actions today", "Kiln fired", "1 engine running",
+            "Quick capture — task or note" }));
+    QStringList actions;
+    for (const DayLine& line : view.today())
+        actions.append(line.icon + u' ' + line.action);
+    EXPECT_EQ(actions,
+        (QStringList { "approvals approvals", "hub-inbox inbox", "hub-ops ops", "view-calendar calendar", "hub-dev dev",
+            "note ops", "link settings", "list-add capture" }));
+    session.setAuth("token", "d");
+    session.setWebRejected(true);
+    EXPECT_EQ(view.noticeText(), "LinkedIn/web inbox can't mirror until you sign in again.");
+}
+
+TEST_F(Today, aTabIsReadWhenItIsChosen)
+{
+    view.setVisible(true);
+    const auto tabs = [&] {
+        QStringList labels;
+        for (const TabItem& tab : view.tabs())
+            labels.append(tab.id + u' ' + tab.label + u' ' + QString::number(tab.count));
+        return labels.join(u',');
+    };
+    EXPECT_EQ(tabs(), "now Now 0,approvals Approvals 0,calendar Calendar 0,calls Calls 0");
+    QStringList every;
+    for (const TabItem& tab : CorvaneMenuBarView::everyTab())
+        every.append(tab.label);
+    EXPECT_EQ(every, QStringList({ "Now", "Approvals", "RAM", "Calendar", "Calls" }));
+    const QSignalSpy changes(&view, &CorvaneMenuBarView::tabChanged);
+    view.setTab(u"now"_s);
+    view.setTab(u"nowhere"_s);
+    EXPECT_EQ(changes.size(), 0);
+    db.run("INSERT INTO call_recording(id, workspace_id, title, started_at, created_at, updated_at) "
+           "VALUES('c','local','Weekly',?,0,0);",
+        { world.clock.nowMs() });
+    EXPECT_EQ(calls.rows()->rowCount(), 0);
+    view.setTab(u"calls"_s);
+    EXPECT_EQ(changes.size(), 1);
+    EXPECT_EQ(calls.rows()->rowCount(), 1);
+    item(u"Later"_s);
+    EXPECT_EQ(lines().value(2), "0 open work items") << "the day is not in sight";
+    view.setTab(u"now"_s);
+    EXPECT_EQ(lines().value(2), "1 open work items");
+}
+
 TEST_F(Today, aLineLeadsToItsSubject)
 {
     const QSignalSpy window(&view, &CorvaneMenuBarView::windowRequested);

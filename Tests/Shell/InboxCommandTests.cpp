@@ -9,7 +9,11 @@
 #include "Support/Places.h"
 #include "Support/StoreTest.h"
 
+#include <QDateTime>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTextStream>
 
 using namespace corvane;
@@ -92,6 +96,67 @@ TEST_F(InboxAtTheTerminal, whatCannotBeUsedIsSaidInPlainWords)
     const auto starting = ProfileLock::take(m_home.paths().applicationSupport);
     EXPECT_EQ(run(printStatus, {}), "1: Corvane is starting. Try again.\n");
     EXPECT_EQ(m_log.lines(), QStringList());
+}
+
+TEST_F(InboxAtTheTerminal, aProgramReadsTheSameAsJson)
+{
+    const auto read = [](const QString& answer) {
+        EXPECT_EQ(answer.first(3), "0: ");
+        return QJsonDocument::fromJson(answer.mid(3).toUtf8()).array();
+    };
+    const auto fields = [](const QJsonValue& row, const QStringList& names) {
+        QStringList values;
+        for (const QString& name : names)
+            values.append(row[name].toVariant().toString());
+        return values.join(u'|');
+    };
+    const QString at = QDateTime::fromMSecsSinceEpoch(m_clock.nowMs()).toUTC().toString(Qt::ISODateWithMs);
+    const QJsonArray people = read(run(listPeople, { u"--json"_s }));
+    ASSERT_EQ(people.size(), 2);
+    EXPECT_EQ(read(run(listPeople, { u"--json"_s, u"--limit"_s, u"1"_s })).size(), 1);
+    const QJsonValue marti = people[people[0][u"name"] == u"Ana Marti"_s ? 0 : 1];
+    EXPECT_EQ(fields(marti, { u"id"_s, u"name"_s, u"unread"_s, u"lastMessageAt"_s, u"lastMessage"_s }),
+        u"ct:WHATSAPP:2@x|Ana Marti|1|%1|The kiln is hot"_s.arg(at));
+    EXPECT_EQ(marti[u"channels"].toArray(), QJsonArray({ u"WHATSAPP"_s }));
+    m_db->exec("UPDATE unified_message SET subject='Kiln', media_type='image', media_path='/a.jpg' WHERE body LIKE "
+               "'The kiln%';");
+    const QJsonArray thread = read(run(showPerson, { u"--json"_s, u"ct:WHATSAPP:2@x"_s }));
+    ASSERT_EQ(thread.size(), 1);
+    EXPECT_EQ(
+        fields(thread[0], { u"at"_s, u"channel"_s, u"direction"_s, u"sender"_s, u"subject"_s, u"body"_s, u"media"_s }),
+        at + u"|WHATSAPP|IN|Ana Marti|Kiln|The kiln is hot|/a.jpg"_s);
+    EXPECT_TRUE(run(showPerson, { u"marti"_s }).endsWith(u"Ana Marti: Kiln - The kiln is hot [image]\n"_s));
+    m_db->exec("UPDATE unified_message SET direction='OUT';");
+    EXPECT_TRUE(run(showPerson, { u"ANA MARTI"_s }).contains(u"You: Kiln - "_s));
+    addNote(*m_db, u"ct:WHATSAPP:2@x"_s, u"Fix the kiln door"_s);
+    const QJsonArray found = read(run(searchInbox, { u"--json"_s, u"kiln"_s }));
+    ASSERT_EQ(found.size(), 2);
+    EXPECT_EQ(fields(found[0], { u"kind"_s, u"person"_s, u"personId"_s, u"channel"_s, u"direction"_s, u"at"_s }),
+        u"message|Ana Marti|ct:WHATSAPP:2@x|WHATSAPP|OUT|"_s + at);
+    EXPECT_EQ(fields(found[1], { u"kind"_s, u"personId"_s, u"title"_s, u"text"_s, u"at"_s }),
+        u"note|ct:WHATSAPP:2@x|Ana Marti|Fix the kiln door|"_s + at);
+
+    const auto status = [this] {
+        return run(printStatus, { u"--json"_s });
+    };
+    EXPECT_EQ(status(), "0: {\"running\":false,\"unread\":2,\"waitingDrafts\":0}\n");
+    EXPECT_TRUE(run(printStatus, {}).endsWith(u"There is no backup yet.\n"_s));
+    m_home.write("share/Corvane/backups/corvane-2026-11-01-120000.tar", "x");
+    const auto running = ProfileLock::take(m_home.paths().applicationSupport);
+    EXPECT_TRUE(status().startsWith(u"0: {\"lastBackupAt\":\"2026-11-0"_s) && status().contains(u"\"running\":true"_s));
+    EXPECT_TRUE(run(printStatus, {}).startsWith(u"0: Corvane runs.\n"_s));
+    EXPECT_TRUE(run(printStatus, {}).contains(u"\nThe last backup was made "_s));
+}
+
+TEST_F(InboxAtTheTerminal, aWrongWordIsAnsweredWithTheUsage)
+{
+    EXPECT_EQ(run(printStatus, { u"all"_s }), "2: Usage: corvane status [--json]\n");
+    EXPECT_EQ(run(showPerson, {}), "2: Usage: corvane show [--limit N] [--json] PERSON\n");
+    EXPECT_EQ(run(searchInbox, {}), "2: Usage: corvane search [--limit N] [--json] WORDS\n");
+    EXPECT_EQ(run(draftMessage, {}, u"hello"_s), "2: Usage: corvane send PERSON [WORDS]\n");
+    EXPECT_EQ(run(draftMessage, { u"nobody"_s, u"hello"_s }, {}), "1: Nobody is called that: nobody\n");
+    m_db->exec("CREATE TRIGGER full BEFORE INSERT ON outbound_draft BEGIN SELECT RAISE(ABORT, 'full'); END;");
+    EXPECT_EQ(run(draftMessage, { u"marti"_s, u"hello"_s }, {}), "1: The database could not be written.\n");
 }
 
 TEST(CommandLine, everyCommandStandsInTheManualAndTheCompletions)
