@@ -85,7 +85,9 @@ TEST(AccountRowWords, channelsWithATokenOrAPassword)
                 "bad: Invalid token", "bad: Error", "idle: Stopped" }));
         EXPECT_EQ(lines(channel, true).last(), "idle: Stopped");
     }
-    EXPECT_EQ(lines("EMAIL")[5], "bad: Sign-in failed — check the app password");
+    EXPECT_EQ(lines("EMAIL").mid(4, 2),
+        QStringList(
+            { "bad: Sign-in failed — check the app password", "bad: Sign-in failed — check the app password" }));
 }
 
 TEST(AccountRowWords, theRowReadsAsOneSentence)
@@ -114,6 +116,11 @@ TEST(AccountRowActions, dependOnTheStateAndTheChannel)
         QStringList({ "Start", "Edit account", "Start with Corvane", "Remove!" }));
     EXPECT_EQ(actionLabels("EMAIL", WAStatus::LoggedOut),
         QStringList({ "Edit account", "Start", "Start with Corvane", "Remove!" }));
+    const AccountRow row = accountRow(accountOf(whatsApp), stateOf(WAStatus::Stopped), {});
+    EXPECT_EQ(row.first().label, "Start");
+    ASSERT_EQ(row.others().size(), 2);
+    EXPECT_EQ(row.others().first().confirmation, "Unlink Team and pair it again?");
+    EXPECT_FALSE(row.others().first().checkable);
 }
 
 TEST(AccountRowActions, secretsBelongToTheChannelsThatAskedForOne)

@@ -112,6 +112,7 @@ TEST_F(Assistant, theGateIsReadAgainWhileSomeoneLooks)
     lumo.machine.now.physicalMemoryBytes = Q_UINT64_C(1) << 34;
     view.setVisible(true);
     EXPECT_TRUE(view.gateIsOpen());
+    EXPECT_EQ(view.gateText(), "Speech recognition on this computer is supported.");
     const auto facts = [this] {
         QStringList values;
         for (const MachineFact& fact : view.gateFacts())

@@ -215,7 +215,9 @@ TEST_F(MailSheet, anAccountIsEditedWithWhatItHasAndKeepsWhatTheSheetDoesNotShow)
     world.keychain.set(R"({"tokenCommand":["a b","--c"],"user":"ana","aliases":["a@b"],)"
                        R"("imap":{"host":"localhost","port":1143,"security":"starttls"}})",
         account.slug);
+    form.close();
     form.edit(account);
+    EXPECT_TRUE(form.isOpen());
     EXPECT_EQ(form.title() + u' ' + form.buttonLabel(), "Edit ana@studio.example Save");
     EXPECT_EQ(form.field("userName").text() + form.field("password").text(), "ana");
     EXPECT_EQ(form.imap()->security(), "starttls");

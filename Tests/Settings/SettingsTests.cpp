@@ -5,11 +5,10 @@
 #include "Settings/SyncSettings.h"
 #include "Settings/SystemSettings.h"
 #include "Settings/ToolServerCard.h"
-#include "Settings/WebSettings.h"
 #include "Store/Approvals/OutboundQueries.h"
-#include "Store/Core/Workspaces.h"
 #include "Support/Await.h"
 #include "Support/EngineWorld.h"
+#include "Support/LogCapture.h"
 #include "Support/Print.h"
 #include "Support/Rows.h"
 #include "Web/SessionStore.h"
@@ -145,6 +144,7 @@ TEST_F(Settings, anAccountWhoseTokenIsRefusedIsGivenAnotherAndStartsAnew)
     EXPECT_EQ(form.field("appToken").text(), "xapp-1");
     form.field("botToken").type("xoxb-3");
     form.submit();
+    EXPECT_EQ(form.fieldCount(), 0) << "no secret stays in a closed sheet";
     world.launcher.expect(FakeLauncher::stays());
     world.launcher.last().exit();
     world.settle();
@@ -279,6 +279,69 @@ TEST_F(Settings, lastMessageTimesAreReadOnlyWhileSomeoneLooks)
     list.setVisible(true);
     // 1 760 000 000 seconds after the epoch is 10:53:20 in Berlin.
     EXPECT_EQ(column("lastMessage")[0], "Last message 10:52");
+    const auto message = [&](const char* id) {
+        report({ { "type", "message" }, { "convExternalId", "c" }, { "body", "hello" }, { "providerMsgId", id },
+            { "timestamp", world.clock.nowMs() } });
+    };
+    world.clock.advance(seconds(3600));
+    message("m1");
+    EXPECT_EQ(column("lastMessage")[0], "Last message 11:53") << "it follows what arrives";
+    list.setVisible(false);
+    world.clock.advance(seconds(3600));
+    message("m2");
+    EXPECT_EQ(column("lastMessage")[0], "Last message 11:53");
+}
+
+TEST_F(Settings, aMailboxIsConnectedAndEditedInASheetOfItsOwn)
+{
+    list.connectChannel("EMAIL");
+    EXPECT_TRUE(list.mailForm()->isOpen());
+    list.mailForm()->close();
+    const Account account = accounts.add("ana@studio.example", Channel::Email);
+    list.perform(account.id.toString(), "edit");
+    EXPECT_EQ(list.mailForm()->title(), "Edit ana@studio.example");
+    EXPECT_TRUE(list.mailForm()->isOpen());
+    EXPECT_FALSE(list.connectForm()->isOpen());
+    EXPECT_EQ(list.connectForm()->title() + list.connectForm()->buttonLabel(), "");
+}
+
+TEST_F(Settings, thePairingOpensAgainFromItsRowAndSaysHowItStands)
+{
+    const QString id = connectAccount(whatsApp, { { "name", "Sales" } });
+    PairingSheet& sheet = *list.pairing();
+    sheet.close();
+    list.perform(id, "pair");
+    EXPECT_TRUE(sheet.isOpen());
+    EXPECT_EQ(sheet.title(), "Link Sales");
+    QSignalSpy changed(&sheet, &PairingSheet::changed);
+    report({ { "type", "status" }, { "state", "logged_out" } });
+    EXPECT_EQ(changed.size(), 1);
+    EXPECT_EQ(sheet.stateText(), "Logged out. Choose Re-pair in Settings to get a new code.");
+    EXPECT_TRUE(sheet.failed());
+    list.perform(id, "pause");
+    EXPECT_EQ(sheet.stateText(), "Stopped");
+    EXPECT_FALSE(sheet.failed() || sheet.connected());
+    sheet.close();
+    EXPECT_EQ(sheet.title(), "Link ");
+}
+
+TEST_F(Settings, aKeyringThatDoesNotAnswerIsAskedAgainAndItsFailureIsLogged)
+{
+    const LogCapture logs;
+    const QString id = connectAccount(whatsApp, { { "name", "Sales" } });
+    FakeKeyring keyring;
+    keyring.failure = Keyring::Failure::Locked;
+    Keychain locked(keyring, world.home.path("other.json"), world.clock);
+    AccountsView other({ accounts, world.engines, locked }, world.home.paths(), world.launcher, world.clock);
+    const int asked = keyring.asked;
+    other.perform(id, "start");
+    EXPECT_EQ(keyring.asked, asked + 1);
+
+    QDir().mkpath(world.home.paths().secretsFile());
+    world.keyring.failure = Keyring::Failure::Failed;
+    world.keychain.unlock();
+    connectAccount("TELEGRAM", { { "token", "1:a" } });
+    EXPECT_TRUE(logs.contains("AccountSetup: the secret of telegram could not be kept"));
 }
 
 TEST_F(Settings, theAccountCardSaysWhatBecameOfTheSession)
@@ -364,28 +427,6 @@ TEST_F(Settings, thePushSheetCountsWhatGoesAndLetsAPersonKeepChatsAndAccounts)
     sheet.push();
     EXPECT_FALSE(push.running()) << "nobody is signed in";
     EXPECT_TRUE(sheet.isOpen());
-}
-
-TEST_F(Settings, workspacesAreFoundByTheirNameAndAnEmptyOneIsNotKept)
-{
-    LocalDB& db = world.engines.db();
-    db.exec("INSERT INTO unified_conversation(id, workspace_id, channel, last_ts) VALUES('a','w7','SMS',1);");
-    QList<WorkspaceRow> rows;
-    for (int i = 0; i < 10'000; ++i)
-        rows.append({ u"w%1"_s.arg(i), u"Studio %1"_s.arg(i), {}, "o", "Org", {}, false });
-    storeWorkspaceRows(db, rows, "w7");
-    web.sync.takeUp();
-    WebSettings page(session, web.sync, world.clock);
-    EXPECT_EQ(page.workspaceText(), "Org · Studio 7");
-    EXPECT_EQ(page.workspaces().size(), 8);
-    EXPECT_TRUE(page.workspaces().first().selected);
-    EXPECT_EQ(page.moreText(), "9,992 more: type a part of the name.");
-    page.setQuery("STUDIO 999");
-    EXPECT_EQ(page.workspaces().first().id, "w999");
-    page.choose("w999");
-    EXPECT_EQ(page.workspaceHint(), "Org · Studio 999 holds no conversations yet, so Org · Studio 7 stays in use.");
-    page.setQuery("nowhere");
-    EXPECT_EQ(page.moreText(), "No workspace has that name.");
 }
 
 TEST_F(Settings, theToolServerIsStartedAndStoppedByItsCard)

@@ -1,6 +1,7 @@
 #include "Settings/WebSettings.h"
 
 #include "Platform/Keychain.h"
+#include "Store/Core/Workspaces.h"
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeKeyring.h"
@@ -100,6 +101,39 @@ TEST_F(WebSettingsTest, integrationsAreNamedAsPeopleWriteThem)
         (QList<IntegrationLine> { { "Shop", "Shop front · p", "Connected", true },
             { "ana", "Sms · p", "Connected", true }, { "", " · p", "", false },
             { "Tv", "Tv · p", "Needs login", false } }));
+}
+
+TEST_F(WebSettingsTest, workspacesAreFoundByTheirNameAndAnEmptyOneIsNotKept)
+{
+    m_db->exec("INSERT INTO unified_conversation(id, workspace_id, channel, last_ts) VALUES('a','w7','SMS',1);");
+    QList<WorkspaceRow> rows;
+    for (int i = 0; i < 10'000; ++i)
+        rows.append({ u"w%1"_s.arg(i), u"Studio %1"_s.arg(i), {}, "o", "Org", {}, false });
+    storeWorkspaceRows(*m_db, rows, "w7");
+    sync.takeUp();
+    EXPECT_EQ(page.workspaceText(), "Org · Studio 7");
+    EXPECT_EQ(page.workspaces().size(), 8);
+    EXPECT_TRUE(page.workspaces().first().selected);
+    EXPECT_EQ(page.moreText(), "9,992 more: type a part of the name.");
+    page.setQuery("STUDIO 999");
+    EXPECT_EQ(page.workspaces().first().id, "w999");
+    page.choose("w999");
+    EXPECT_EQ(page.workspaceHint(), "Org · Studio 999 holds no conversations yet, so Org · Studio 7 stays in use.");
+    page.setQuery("nowhere");
+    EXPECT_EQ(page.moreText(), "No workspace has that name.");
+}
+
+TEST_F(WebSettingsTest, aWorkspaceWithConversationsIsTakenIntoUse)
+{
+    session.setAuth("t", "d");
+    answer({ "w1", "w2" });
+    refresh();
+    m_db->exec("INSERT INTO unified_conversation(id, workspace_id, channel, last_ts)"
+               " VALUES('a','w1','SMS',1),('b','w2','SMS',1);");
+    page.choose("w2");
+    EXPECT_EQ(page.workspaceText(), "Org · Studio w2");
+    EXPECT_EQ(page.workspaceHint(), "");
+    EXPECT_EQ(page.workspaces().first(), (WorkspaceChoice { "w2", "Org · Studio w2", true }));
 }
 
 TEST_F(WebSettingsTest, aWorkspaceThatTheWebNoLongerHasStaysInUse)
