@@ -3,6 +3,7 @@
 
 #include "Engines/Outbox.h"
 #include "Store/Core/StoreWatch.h"
+#include "Store/Core/Transaction.h"
 #include "Store/Messages/ChannelFeatures.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/Drafts.h"
@@ -337,6 +338,40 @@ TEST_F(DraftDeliveryTest, aJumpOfTheClockFailsNoDraftAndAnUnreadCommandIsNotWrit
     engine().isDeaf = false;
     approve(id);
     EXPECT_EQ(engine().commands().size(), 2);
+}
+
+TEST_F(DraftDeliveryTest, aLineThatTheEngineCannotReadAnyMoreIsTakenBack)
+{
+    startShop();
+    world.delivery.startWatch();
+    const QString id = queue(shop, u"hello"_s);
+    engine().isClogged = true;
+    tick();
+    world.clock.advance(seconds(124));
+    EXPECT_EQ(draft(id, u"status || COALESCE(error, '')"_s), u"sending"_s) << "written anew, not failed";
+    EXPECT_EQ(engine().commands().size(), 1);
+    engine().exit(1);
+    world.settle();
+    EXPECT_EQ(draft(id), u"approved"_s);
+    EXPECT_EQ(engine().commands().size(), 0);
+    EXPECT_EQ(status(), WAStatus::Connecting) << "it starts when its turn comes";
+    world.launcher.expect(FakeLauncher::stays());
+    tick();
+    EXPECT_EQ(draft(id), u"sending"_s);
+    EXPECT_EQ(engine().commands().size(), 1);
+}
+
+TEST_F(DraftDeliveryTest, aChangeInTheMiddleOfATransactionIsLookedAtAfterIt)
+{
+    startShop();
+    const QString id = queue(shop, u"hello"_s);
+    Transaction transaction(world.engines.db(), Patience::Frame);
+    world.delivery.refresh();
+    EXPECT_EQ(engine().commands().size(), 0);
+    EXPECT_TRUE(transaction.commit());
+    world.settle();
+    EXPECT_EQ(engine().commands().size(), 1);
+    EXPECT_EQ(draft(id), u"sending"_s);
 }
 
 TEST_F(DraftDeliveryTest, aFullPipeIsTriedAgainAndNeverGoesStale)

@@ -107,6 +107,8 @@ TEST_F(Supervisor, theExitOfASupersededEngineDoesNotTouchItsSuccessor)
     world.engines.start(shop);
     EXPECT_EQ(status(), WAStatus::Starting);
     EXPECT_EQ(launches(), 1) << "one engine an account: the first is still ending";
+    EXPECT_TRUE(world.engines.isStarting(shop));
+    EXPECT_FALSE(world.engines.isStarting(accountNamed(u"other"_s)));
     old.printEvent({ { u"type"_s, u"status"_s }, { u"state"_s, u"logged_out"_s } });
     old.printEvent({ { u"type"_s, u"message"_s }, { u"convExternalId"_s, u"c"_s }, { u"body"_s, u"late"_s },
         { u"providerMsgId"_s, u"m"_s } });
@@ -185,6 +187,82 @@ TEST_F(Supervisor, howAnEngineEndedStandsBesideItsAccount)
     world.launcher.last().exit(1);
     world.settle();
     EXPECT_TRUE(runtime().lastExit.startsWith(u"The engine's program is missing: /"_s));
+}
+
+TEST_F(Supervisor, whatAnEarlierRunLeftIsAskedToEndAndKilledAfterFiveSeconds)
+{
+    using Marked = ProcessLauncher::Marked;
+    const auto& asked = world.launcher.markedAs;
+    world.launcher.remains = 1;
+    world.engines.start(shop);
+    EXPECT_TRUE(world.engines.isStarting(shop));
+    EXPECT_EQ(asked, QList { Marked::Ask });
+    advance(99);
+    EXPECT_EQ(asked.size(), 1);
+    advance(1);
+    EXPECT_EQ(asked, QList({ Marked::Ask, Marked::Count }));
+    advance(4899);
+    EXPECT_EQ(asked.size(), 50);
+    EXPECT_FALSE(asked.contains(Marked::Kill));
+    advance(1);
+    EXPECT_EQ(asked.last(), Marked::Kill);
+    EXPECT_EQ(launches(), 0);
+    world.launcher.remains = 0;
+    world.launcher.expect(FakeLauncher::stays());
+    advance(100);
+    EXPECT_EQ(launches(), 1);
+    EXPECT_FALSE(world.engines.isStarting(shop));
+
+    const Account other = accountNamed(u"other"_s);
+    world.launcher.remains = 1;
+    world.engines.start(other);
+    world.engines.stop(other);
+    EXPECT_FALSE(world.engines.isStarting(other));
+    world.launcher.remains = 0;
+    advance(3'600'000);
+    EXPECT_EQ(launches(), 1);
+}
+
+TEST_F(Supervisor, enginesThatCrashedTogetherStartOneAfterTheOther)
+{
+    const Account other = accountNamed(u"other"_s);
+    const auto crashBoth = [&] {
+        world.launcher.expect(FakeLauncher::stays(), 2);
+        for (const Account& account : { shop, other }) {
+            world.engines.stop(account);
+            world.engines.start(account);
+        }
+        for (const auto& child : world.launcher.children.last(2))
+            child->exit(1);
+        world.settle();
+    };
+    crashBoth();
+    QStringList seen;
+    bool stopsOther = false;
+    QObject::connect(&world.engines, &EngineManager::runtimeChanged, &world.engines, [&](const QUuid& id) {
+        const RuntimeState state = world.engines.runtime(id);
+        if (state.status != WAStatus::Starting || !state.lastExit.isEmpty())
+            return;
+        seen.append(id == shop.id ? u"shop"_s : u"other"_s);
+        if (stopsOther && id == shop.id)
+            world.engines.stop(other);
+        else if (id == shop.id)
+            EXPECT_TRUE(world.engines.isStarting(other)) << "it is next";
+    });
+    world.launcher.expect(FakeLauncher::stays(), 2);
+    advance(2000);
+    EXPECT_EQ(seen, QStringList({ u"shop"_s, u"other"_s }));
+    EXPECT_EQ(launches(), 4);
+    EXPECT_FALSE(world.engines.isStarting(other));
+
+    for (const auto& child : world.launcher.children.last(2))
+        child->exit(1);
+    world.settle();
+    stopsOther = true;
+    world.launcher.expect(FakeLauncher::stays());
+    advance(4000);
+    EXPECT_EQ(launches(), 5);
+    EXPECT_EQ(world.engines.runtime(other.id).status, WAStatus::Stopped);
 }
 
 TEST_F(Supervisor, aFailedLaunchIsToldAndNotRetried)

@@ -17,6 +17,14 @@ Result<void> FakeChild::write(const QByteArray& bytes)
     return {};
 }
 
+bool FakeChild::withdraw(const QByteArray& bytes)
+{
+    if (!isClogged || !written.contains(bytes))
+        return false;
+    written.remove(written.indexOf(bytes), bytes.size());
+    return true;
+}
+
 void FakeChild::print(const QString& lines)
 {
     ASSERT_TRUE(lines.endsWith(u'\n'));

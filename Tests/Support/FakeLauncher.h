@@ -26,8 +26,8 @@ public:
     {
         return m_running && !terminated && writeFailure != u"standard input is closed";
     }
-    bool hasRead(const QByteArray&) override { return !isDeaf; }
-    bool withdraw(const QByteArray&) override { return false; }
+    bool hasRead(const QByteArray&) override { return !isDeaf && !isClogged; }
+    bool withdraw(const QByteArray& bytes) override;
     void terminate() override { terminated = true; }
 
     void print(const QString& lines); ///< one chunk of complete lines
@@ -40,6 +40,7 @@ public:
     QByteArray written;
     QString writeFailure; ///< if set, every write fails with it
     bool isDeaf = false; ///< never reads its standard input
+    bool isClogged = false; ///< deaf, and what is written still waits before its standard input
     bool terminated = false;
 
 private:
@@ -71,12 +72,18 @@ public:
 
     void expect(const Launch& launch, int times = 1) { m_script.insert(m_script.end(), size_t(times), launch); }
     Result<std::shared_ptr<ChildProcess>> start(const ProcessSpec& spec, Handlers handlers) override;
-    int marked(const QString&, Marked) override { return 0; }
+    int marked(const QString&, Marked action) override
+    {
+        markedAs.append(action);
+        return remains;
+    }
 
     FakeChild& last() const { return *children.last(); }
     void exitTerminated(); ///< exits every child that was terminated
 
     ProcessLauncher* realLauncher = nullptr;
+    int remains = 0; ///< processes that an earlier run of the program left
+    QList<Marked> markedAs; ///< what was asked about them
     QList<std::shared_ptr<FakeChild>> children; ///< one for each fake launch that did not fail, in order
 
 private:
