@@ -19,7 +19,8 @@ protected:
     NotifierTest()
     {
         notifier.bootstrap();
-        for (const QString& name : { notifications::approvalAction, notifications::openConversation })
+        for (const QString& name :
+            { notifications::approvalAction, notifications::openConversation, notifications::dictationAction })
             observations.push_back(centre.observe(name, [this](const Notification& posted) {
                 const QVariantMap info = posted.userInfo;
                 events.append(QStringList { posted.name, posted.object.value_or(QString()),
@@ -100,13 +101,49 @@ TEST_F(NotifierTest, anApprovalBannerOffersBothDecisionsAndReplacesItself)
     for (const Banner& banner : service.shown)
         EXPECT_EQ(banner.identifier, "approval-draft_failed-od:7");
 
-    for (const QString& kind : { "draft", "proposal", "decision", "other" })
+    for (const QString& kind : { "draft", "proposal", "decision", "event", "approval" })
         notifier.notifyApproval(kind, "1", "t", "b");
     QStringList subtitles;
     for (const Banner& shown : service.shown.mid(2))
         subtitles.append(shown.subtitle);
-    EXPECT_EQ(
-        subtitles.join(u'|'), "Outbound message — Approve sends it|CRM update proposal|Agent decision|Approval needed");
+    EXPECT_EQ(subtitles.join(u'|'),
+        "Outbound message — Approve sends it|CRM update proposal|Agent decision|Calendar event — Approve adds it|"
+        "Approval needed");
+    EXPECT_TRUE(service.shown.last().actions.isEmpty()) << "an approval of its own kind is decided where it is shown";
+    notifier.withdrawApproval("draft_failed", "od:8");
+    EXPECT_TRUE(service.withdrawn.isEmpty());
+    notifier.withdrawApproval("draft_failed", "od:7");
+    EXPECT_EQ(service.withdrawn, QStringList({ "approval-draft_failed-od:7", "approval-draft_failed-od:7" }));
+}
+
+TEST_F(NotifierTest, theMessagesOfAContactAreWithdrawnOnce)
+{
+    message("ct:1");
+    message("ct:2");
+    notifier.withdrawMessages("ct:3");
+    EXPECT_TRUE(service.withdrawn.isEmpty());
+    notifier.withdrawMessages("ct:1");
+    notifier.withdrawMessages("ct:1");
+    EXPECT_EQ(service.withdrawn, QStringList(service.shown.first().identifier));
+}
+
+TEST_F(NotifierTest, aRecordingATerminalAndADictationHaveOneBannerEach)
+{
+    notifier.notifyRecording("Recording", "It has begun.");
+    notifier.notifyTerminal("Build", "It has ended.");
+    notifier.notifyDictation("Copied.", { { "paste", "Paste" } });
+    ASSERT_EQ(service.shown.size(), 3);
+    EXPECT_EQ(text(service.shown[0]), "Recording||It has begun.|recording|");
+    EXPECT_EQ(text(service.shown[1]), "Build||It has ended.|terminal|");
+    EXPECT_EQ(text(service.shown[2]), "Dictation||Copied.|dictation|dictation|paste:Paste");
+    for (const Banner& banner : service.shown)
+        EXPECT_EQ(banner.identifier, banner.thread);
+    service.press(service.shown[0]);
+    service.press(service.shown[1]);
+    service.press(service.shown[2], "paste");
+    EXPECT_EQ(events, QStringList({ "activate", "activate", notifications::dictationAction + "|paste|||" }));
+    notifier.withdrawDictation();
+    EXPECT_EQ(service.withdrawn, QStringList("dictation"));
 }
 
 TEST_F(NotifierTest, aPressBecomesAnInProcessNotification)
@@ -137,7 +174,11 @@ TEST_F(NotifierTest, theSettingSilencesBothKinds)
     defaults.setBoolean("notifyOnNewMessage", false);
     message("ct:1");
     notifier.notifyApproval("draft", "1", "t", "b");
+    notifier.notifyTerminal("Build", "It has ended.");
     EXPECT_TRUE(service.shown.isEmpty());
+    notifier.notifyRecording("Recording", "It has begun.");
+    EXPECT_EQ(service.shown.size(), 1) << "whoever is recorded is told";
+    service.shown.clear();
     defaults.setBoolean("notifyOnNewMessage", true);
     message("ct:1");
     EXPECT_EQ(service.shown.size(), 1) << "what was silenced does not count for the debounce";
@@ -152,6 +193,8 @@ TEST_F(NotifierTest, aBareLaunchPostsNothingAndSaysSoOnce)
     silent.bootstrap();
     silent.notifyMessage("ct:1", "Ana", "SMS", "hi");
     silent.notifyApproval("draft", "1", "t", "b");
+    silent.notifyRecording("Recording", "It has begun.");
+    EXPECT_FALSE(silent.wouldNotify("ct:1"));
     EXPECT_TRUE(bare.shown.isEmpty());
     EXPECT_FALSE(bare.hasHandler());
     bare.available = true;
