@@ -1,4 +1,8 @@
 #include "Foundation/UserDefaults.h"
+
+#include "Foundation/CopyAside.h"
+#include "Foundation/Log.h"
+#include "Support/LogCapture.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
 
@@ -12,6 +16,16 @@ namespace {
 const QString file = "config/Corvane/defaults.ini";
 const QString name = "nimb.name";
 
+}
+
+TEST(Log, aLineGoesToStandardErrorAsItIs)
+{
+    const QtMessageHandler before = qInstallMessageHandler(nullptr);
+    logToStandardError();
+    testing::internal::CaptureStderr();
+    log("Store: \"ü\" %1");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Store: \"ü\" %1\n");
+    qInstallMessageHandler(before);
 }
 
 TEST(UserDefaults, valuesComeBackAsWhatTheyWere)
@@ -53,6 +67,7 @@ TEST(UserDefaults, aFileEditedByHandIsUnderstood)
 TEST(UserDefaults, aFileThatDoesNotReadIsKeptBeforeItIsWrittenOver)
 {
     const TemporaryHome home;
+    const LogCapture log;
     const QByteArray garbage = QByteArray("\x7f"
                                           "ELF\0\0\xff[unclosed\nno value here\n",
         30);
@@ -68,6 +83,7 @@ TEST(UserDefaults, aFileThatDoesNotReadIsKeptBeforeItIsWrittenOver)
         defaults.setText(name, "newer");
     }
     EXPECT_EQ(home.read(copy), garbage);
+    EXPECT_EQ(log.lines(), QStringList(home.path(file) + " does not read; a copy is kept as " + home.path(copy)));
     EXPECT_FALSE(QFile::exists(home.path(copy + "-2")));
     EXPECT_EQ(UserDefaults(home.path(file)).text(name), "newer");
 
@@ -80,6 +96,7 @@ TEST(UserDefaults, aFileThatDoesNotReadIsKeptBeforeItIsWrittenOver)
 TEST(UserDefaults, aDamagedFileThatCannotBeCopiedIsLeftAloneAndChangesLastUntilTheEnd)
 {
     const TemporaryHome home;
+    const LogCapture log;
     const QString longName = "config/Corvane/" + QString(250, u'd'); // the backup copy's name would be too long
     home.write(longName, "[unclosed\n");
     UserDefaults defaults(home.path(longName));
@@ -89,4 +106,6 @@ TEST(UserDefaults, aDamagedFileThatCannotBeCopiedIsLeftAloneAndChangesLastUntilT
     EXPECT_EQ(defaults.text(name), std::nullopt);
     defaults.synchronise();
     EXPECT_EQ(home.read(longName), "[unclosed\n");
+    EXPECT_EQ(log.lines(), QStringList(home.path(longName) + " does not read and cannot be copied; it is left alone"));
+    EXPECT_EQ(copyAside(home.path("config")), std::nullopt) << "a folder is no file";
 }

@@ -7,6 +7,26 @@
 
 using namespace corvane;
 
+TEST(Commands, aShortcutStandsInThePaletteWhileItCanRun)
+{
+    const Command archive = inPalette(shortcut("archive", "Archive", "E"), [] { return false; });
+    EXPECT_EQ(
+        archive.id + '|' + archive.label + '|' + archive.keys + '|' + archive.action, "archive|Archive|E|Archive");
+    EXPECT_EQ(archive.sequences, QStringList("E"));
+    EXPECT_FALSE(archive.canRun());
+    Commands commands;
+    commands.add(at({ "In the list", 2 }, { archive, { .id = "unlisted" } }));
+    EXPECT_EQ(commands.columns(), 3);
+    EXPECT_EQ(commands.find("unlisted")->place.name, "In the list");
+    EXPECT_EQ(commands.find("none"), nullptr);
+    EXPECT_EQ(commands.commandsAt("In the list"), (QList<CommandRow> { { "archive", "Archive", "E", { "E" } } }));
+    EXPECT_TRUE(commands.placesIn(0).isEmpty());
+    const QSignalSpy asked(&commands, &Commands::pageAsked);
+    commands.run("archive");
+    commands.run("none");
+    EXPECT_EQ(asked.size(), 0);
+}
+
 TEST(Commands, oneTableAnswersKeysSheetAndWhetherACommandCanRun)
 {
     bool possible = false;

@@ -1,6 +1,7 @@
 #include "Presentation/RowListModel.h"
 
 #include "Support/Print.h"
+#include "Support/VirtualScheduler.h"
 
 #include <QAbstractItemModelTester>
 #include <QRandomGenerator>
@@ -117,6 +118,60 @@ TEST(RowListModel, onlyTheRowsThatChangedAreTouched)
     model.assign({});
     EXPECT_EQ(counts.size(), 2);
     EXPECT_EQ(model.roleNames().value(Qt::UserRole + 1), "value");
+}
+
+TEST(RowListModel, aRowThatWasActedOnKeepsItsPlaceUntilItIsReleased)
+{
+    VirtualScheduler clock;
+    RowListModel<Line> model(clock);
+    const QSignalSpy inside(&model, &HoldingListModel::pointerInsideChanged);
+    const int held = model.roleNames().key("held");
+    int left = 0;
+    const auto leave = [&](Line& line) {
+        line.value = 9;
+        ++left;
+    };
+    model.assign(linesOf("abcd"));
+    model.hold("b");
+    model.assign(linesOf("acd"), leave);
+    EXPECT_EQ(shown(model), "acd") << "the pointer is elsewhere";
+    model.assign(linesOf("abcd"));
+    model.setPointerInside(true);
+    model.setPointerInside(true);
+    EXPECT_EQ(inside.size(), 1);
+    model.assign(linesOf("acd"), leave);
+    model.assign(linesOf("xacd"), leave);
+    EXPECT_EQ(shown(model), "xabcd") << "behind its neighbour";
+    EXPECT_EQ(model.rows().at(2).value, 9);
+    EXPECT_EQ(left, 1);
+    EXPECT_TRUE(model.data(model.index(2), held).toBool());
+    EXPECT_FALSE(model.data(model.index(1), held).toBool());
+    clock.advance(Milliseconds(1999));
+    model.hold("c");
+    clock.advance(Milliseconds(1999));
+    EXPECT_EQ(shown(model), "xabcd") << "the next one acted on begins the time anew";
+    clock.advance(Milliseconds(1));
+    EXPECT_EQ(shown(model), "xacd");
+    model.assign(linesOf("ad"), leave);
+    EXPECT_EQ(shown(model), "acd") << "what nobody acted on goes at once";
+    model.assign(linesOf("acd"));
+    EXPECT_FALSE(model.data(model.index(1), held).toBool()) << "it came back";
+    model.assign(linesOf("ad"), leave);
+    model.setPointerInside(false);
+    EXPECT_EQ(shown(model), "ad");
+    EXPECT_EQ(left, 3);
+
+    RowListModel<Line> plain;
+    plain.assign(linesOf("ab"));
+    plain.setPointerInside(true);
+    plain.hold("a");
+    plain.assign(linesOf("b"));
+    EXPECT_EQ(shown(plain), "b") << "without a clock nothing is held";
+    const int line = plain.roleNames().key("line");
+    EXPECT_EQ(plain.data(plain.index(0), line).value<Line>(), linesOf("b").first());
+    EXPECT_FALSE(plain.data(plain.index(0), Qt::DisplayRole).isValid());
+    EXPECT_FALSE(plain.data(QModelIndex(), line).isValid());
+    EXPECT_EQ(plain.rowCount(plain.index(0)), 0);
 }
 
 #include "RowListModelTests.moc"
