@@ -111,10 +111,45 @@ TEST_F(OpsRecordsTest, aBoardCountsFiltersAndTellsTheStory)
     EXPECT_EQ(fetchWorkItems(*m_db, filter, WorkItems::Open, 9).last().summary.size(), 400);
     EXPECT_EQ(countWorkItems(*m_db, filter).size(), 2);
     EXPECT_EQ(workItemWords(*m_db, "ops", {}).owners, (QStringList { "Ana", "Oskel" }));
+    const auto titles = [&](const WorkItemFilter& which) {
+        QStringList titles;
+        for (const WorkItemRecord& each : fetchWorkItems(*m_db, which, WorkItems::Open, 9))
+            titles.append(each.title);
+        return titles.join(',');
+    };
+    EXPECT_EQ(titles({ .module = "ops", .context = {}, .priority = "high" }), "Pay_the 100% clay");
+    EXPECT_EQ(titles({ .module = "ops", .context = {}, .kind = "task" }), "Payxthe 100 clay");
+    EXPECT_EQ(titles({ .module = "ops", .context = {}, .owner = "Ana" }), "Payxthe 100 clay");
+    EXPECT_EQ(titles({ .module = "ops", .context = {}, .kindSigns = { "nance", "x" } }), "Pay_the 100% clay");
+    EXPECT_EQ(
+        titles({ .module = "ops", .context = {}, .kindSigns = { "nance" }, .otherKinds = true }), "Payxthe 100 clay");
+    EXPECT_EQ(titles({ .module = "ops", .context = {}, .textSigns = { "FINANCE pay" } }), "Pay_the 100% clay");
+    EXPECT_EQ(workItemWords(*m_db, "ops", {}).priorities + workItemWords(*m_db, "ops", id).kinds,
+        (QStringList { "high", "low", "normal", "finance", "task" }));
+    EXPECT_TRUE(isFinishedStatus("REJECTED") && isFinishedStatus("done") && isFinishedStatus("closed"));
+    EXPECT_FALSE(isFinishedStatus("open"));
     filter.words = "y_the 100%";
     EXPECT_EQ(fetchWorkItems(*m_db, filter, WorkItems::Open, 9).size(), 1) << "signs of LIKE are letters";
     EXPECT_EQ(findRecords(*m_db, u"pay_the"_s, { {}, 0, 5 }).records.size(), 2);
-    EXPECT_EQ(countWork(*m_db, "ops", id).openItems, 2);
+    insertWorkDecision(*m_db, { "ops", id, "Pay", "", "", "money" });
+    insertWorkDecision(*m_db, { "ops", {}, "Fire", "", "", "high" });
+    insertWorkMemory(*m_db, { "ops", id, "fact", "Mondays", "agent", "medium", "Ana" });
+    insertWorkEvidence(*m_db, { "ops", id, {}, "runbook", "Firing", "ui", "", "" });
+    upsertWorkAgent(*m_db, { "ops", id, "Ana", "codex", "ops", "running", "Heat", "s" });
+    const WorkCounts counts {
+        .contexts = 1, .openItems = 2, .agents = 1, .evidence = 1, .waitingDecisions = 1, .proposedMemory = 1
+    };
+    EXPECT_EQ(countWork(*m_db, "ops", id), counts);
+    EXPECT_EQ(countWork(*m_db, "ops", {}).waitingDecisions, 2);
+    EXPECT_EQ(waitingDecisionsByContext(*m_db, "ops").value(*id), 1);
+    EXPECT_EQ(titlesOfWaitingDecisions(*m_db, "ops", id), QStringList("Pay"));
+    EXPECT_EQ(fetchWaitingDecisions(*m_db, "ops", {}, 9).first().title, "Pay") << "money first";
+    EXPECT_EQ(fetchWaitingDecisions(*m_db, "ops", {}, 1).size(), 1);
+    EXPECT_EQ(fetchMemoryOfAllModules(*m_db, 9).first().body, "Mondays");
+    EXPECT_EQ(
+        fetchEvidenceOfKind(*m_db, "runbook", 9).first().title + fetchAgentRoster(*m_db, 9).first().name, "FiringAna");
+    EXPECT_TRUE(fetchEvidenceOfKind(*m_db, "note", 9).isEmpty());
+    m_db->exec("DELETE FROM work_decision; DELETE FROM work_evidence;");
 
     WorkItemRecord edited = *pay;
     edited.title = "Pay the clay";
@@ -141,6 +176,13 @@ TEST_F(OpsRecordsTest, aBoardCountsFiltersAndTellsTheStory)
     EXPECT_EQ(kinds(fetchWorkEvents(*m_db, "ops", id, 50)), "decision evidence message message");
     EXPECT_EQ(kinds(fetchItemEvents(*m_db, *fetchWorkItem(*m_db, pay->id), 50)), "decision evidence message");
     EXPECT_EQ(lastWordsOf(*m_db, "ops", "Ana"), "Something else");
+    EXPECT_EQ(lastWordsOf(*m_db, "ops", "Ben") + lastWordsOf(*m_db, "cx", "Ana"), "");
+    m_db->exec("DROP TABLE work_message; DROP TABLE work_item; DROP TABLE work_decision;");
+    EXPECT_EQ(lastWordsOf(*m_db, "ops", "Ana"), "");
+    EXPECT_TRUE(countWorkItems(*m_db, filter).isEmpty());
+    EXPECT_EQ(workItemWords(*m_db, "ops", {}), WorkItemWords());
+    EXPECT_TRUE(waitingDecisionsByContext(*m_db, "ops").isEmpty());
+    EXPECT_TRUE(titlesOfWaitingDecisions(*m_db, "ops", {}).isEmpty());
 }
 
 }

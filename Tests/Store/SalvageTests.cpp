@@ -78,6 +78,68 @@ TEST_F(SalvageTest, rowsOnBothSidesOfDamagedPagesAreSavedAndWithThemWhatEnginesM
     EXPECT_EQ(cell("PRAGMA integrity_check;"), "ok");
 }
 
+TEST_F(SalvageTest, whatStoodInTheLogAloneIsSavedAndWhatDoesNotFitIsTold)
+{
+    const QString aside = path() + ".aside";
+    const QString target = path() + ".new";
+    open();
+    m_db->exec("INSERT INTO contact(id, display_name) VALUES('a','Ana'),('b','Bo');");
+    ASSERT_TRUE(QFile::copy(path(), aside) && QFile::copy(path() + "-wal", aside + "-wal"));
+    const auto saved = [&](const char* before) {
+        EXPECT_TRUE(m_db->makeEmpty(target));
+        OtherProcess(target).exec(before);
+        SalvageProgress progress;
+        const Result<Salvaged> result = salvage(aside, target, progress);
+        EXPECT_EQ(progress.tables == progress.allTables && progress.allTables > 10, result.has_value());
+        if (result)
+            EXPECT_EQ(result->rows, progress.rows);
+        return result;
+    };
+    const auto whole = saved("");
+    ASSERT_TRUE(whole);
+    EXPECT_TRUE(whole->tornTables.isEmpty());
+    EXPECT_GE(whole->rows, 2);
+    EXPECT_EQ(m_db->rows("SELECT 1;", {}, [](const SqlRow&) { return 1; }).size(), 1);
+    const auto names = [&] {
+        const auto file = SqlConnection::reader(target, std::make_shared<std::atomic<bool>>(false));
+        return file
+            ->rows(
+                "SELECT display_name FROM contact ORDER BY rowid;", {}, [](const SqlRow& row) { return row.text(0); })
+            .join(',');
+    };
+    EXPECT_EQ(names(), "Ana,Bo");
+    EXPECT_FALSE(QFile::exists(target + ".copy-wal"));
+    for (const char* suffix : { "", "-wal", "-shm" })
+        QFile::remove(target + suffix);
+    const auto torn = saved("INSERT INTO contact(id, display_name) VALUES('a','Here first');");
+    ASSERT_TRUE(torn);
+    EXPECT_EQ(torn->tornTables, QStringList("contact"));
+    EXPECT_EQ(torn->rows, whole->rows - 1);
+    EXPECT_EQ(names(), "Here first,Bo");
+    for (const char* suffix : { "", "-wal", "-shm" })
+        QFile::remove(target + suffix);
+    const auto refused = saved("CREATE TRIGGER full BEFORE INSERT ON contact BEGIN SELECT RAISE(ABORT, 'full'); END;");
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().message, "The new file cannot be written: full.");
+}
+
+TEST_F(SalvageTest, aRecoveryThatIsStoppedOrHasNothingToReadSaysSo)
+{
+    open();
+    m_db->exec("INSERT INTO contact(id) VALUES('a');");
+    m_db->close();
+    ASSERT_TRUE(m_db->makeEmpty(path() + ".new"));
+    SalvageProgress progress;
+    const auto gone = salvage(path() + ".gone", path() + ".new", progress);
+    ASSERT_FALSE(gone);
+    EXPECT_EQ(gone.error().message, path() + ".gone cannot be copied.");
+    progress.stopped = true;
+    const auto stopped = salvage(path(), path() + ".new", progress);
+    EXPECT_FALSE(stopped);
+    EXPECT_EQ(progress.rows, 0);
+    EXPECT_EQ(QFileInfo(path()).dir().entryList({ "*.copy*" }).size(), 0);
+}
+
 TEST_F(SalvageTest, aFileWhoseBeginningIsLostIsReadAllTheSame)
 {
     damage({ -1 });

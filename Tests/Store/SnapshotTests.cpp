@@ -34,6 +34,16 @@ TEST_F(SnapshotTest, aCopyHoldsEveryRowAndAFailedOneLeavesNothing)
     EXPECT_EQ(newestMessageMs(*copy), 400);
     EXPECT_FALSE(copyDatabase(m_home.path(u"none.db"_s), m_home.path(u"x.db"_s), m_stopped));
 
+    m_stopped->store(true);
+    const auto stopped = copyDatabase(path(), m_home.path(u"stopped.db"_s), m_stopped);
+    ASSERT_FALSE(stopped);
+    EXPECT_EQ(stopped.error().message, u"Stopped."_s);
+    EXPECT_FALSE(QFile::exists(m_home.path(u"stopped.db"_s)));
+    m_stopped->store(false);
+    const qint64 size = QFileInfo(path()).size();
+    careWhileIdle(*m_db);
+    EXPECT_GT(QFileInfo(path()).size(), size) << "the log is taken into the file";
+
     m_db->exec("DELETE FROM unified_message WHERE ts>10;");
     const FileFigures before = fileFigures(*m_db);
     EXPECT_GT(before.freeBytes(), 400'000);
