@@ -6,6 +6,7 @@
 #include "Support/TemporaryHome.h"
 
 #include <QDBusContext>
+#include <QDir>
 #include <QFile>
 #include <gtest/gtest.h>
 
@@ -27,6 +28,7 @@ public:
     ~BackgroundPortal() override { m_bus.unregisterService("org.freedesktop.portal.Desktop"); }
 
     uint answer = 1;
+    std::optional<QVariantMap> says; ///< instead of what was asked for
     QStringList command;
 
 public Q_SLOTS:
@@ -34,7 +36,7 @@ public Q_SLOTS:
     {
         command = options["commandline"].toStringList();
         return respond(m_bus, message(), options, answer,
-            { { "background", true }, { "autostart", options["autostart"].toBool() } });
+            says.value_or(QVariantMap { { "background", true }, { "autostart", options["autostart"].toBool() } }));
     }
 
 private:
@@ -73,8 +75,14 @@ TEST_F(AutostartTest, anEntryStartsTheProgramWhichDesktopsMaySwitchOff)
     file.write("Hidden=true\n");
     file.close();
     EXPECT_FALSE(autostart.isOn());
-    EXPECT_EQ(set(autostart, false), "");
-    EXPECT_FALSE(QFile::exists(entry));
+    home.write("config/autostart/com.nimb.corvane.desktop", "X-GNOME-Autostart-enabled=false\n");
+    EXPECT_FALSE(autostart.isOn());
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(set(autostart, false), "") << "also if there is none";
+        EXPECT_FALSE(QFile::exists(entry));
+    }
+    ASSERT_TRUE(QDir().mkpath(entry + "/folder"));
+    EXPECT_TRUE(set(autostart, false).endsWith("cannot be changed."));
     home.write("blocked/autostart", "a file where the folder should be");
     DesktopAutostart blocked(bus, home.path("blocked"), "/usr/bin/corvane", DesktopAutostart::Sandbox::No);
     EXPECT_TRUE(set(blocked, true).endsWith("cannot be changed."));
@@ -91,8 +99,20 @@ TEST_F(AutostartTest, inASandboxThePortalDecides)
     EXPECT_EQ(set(autostart, true), "");
     EXPECT_EQ(portal.command, QStringList({ "corvane", "--background" }));
     EXPECT_TRUE(autostart.isOn());
+    const QString refused = "The desktop did not allow it.";
+    portal.says = QVariantMap { { "autostart", true } };
+    EXPECT_EQ(set(autostart, false), refused) << "it stays on there";
+    portal.says = QVariantMap {};
+    EXPECT_EQ(set(autostart, false), refused);
+    portal.says.reset();
+    portal.answer = 2;
+    EXPECT_EQ(set(autostart, false), refused);
+    EXPECT_TRUE(autostart.isOn());
+    portal.answer = 0;
     EXPECT_EQ(set(autostart, false), "");
     EXPECT_FALSE(autostart.isOn());
+    DesktopAutostart alone(noBus(), home.path("config"), "/app/bin/corvane", DesktopAutostart::Sandbox::Yes);
+    EXPECT_EQ(set(alone, true), refused);
 }
 
 #include "AutostartTests.moc"

@@ -2,53 +2,23 @@
 #include "Platform/AppPaths.h"
 #include "Platform/Keychain.h"
 #include "Platform/Linux/Secrets/DesktopKeyring.h"
+#include "Platform/RunsApart.h"
 #include "Support/Await.h"
+#include "Support/Environment.h"
 #include "Support/Print.h"
 #include "Support/PrivateBus.h"
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
 
-#include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusVirtualObject>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 using namespace corvane;
 
 namespace {
 
 const QString account = "ann@example.org";
-
-/// The keyring library caches its environment for the lifetime of the process. Each test therefore runs itself again in
-/// a child process with a separate home. Returns true in that child process, where the test does its work.
-bool runsApart()
-{
-    if (qEnvironmentVariableIsSet("CORVANE_TEST_RUNS_APART"))
-        return true;
-    const TemporaryHome home;
-    home.write("run/made", {});
-    ::chmod(qPrintable(home.path("run")), S_IRWXU);
-    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-    QProcess program;
-    program.setProcessChannelMode(QProcess::MergedChannels);
-    program.start("env",
-        { "-u", "DBUS_SESSION_BUS_ADDRESS", "-u", "DISPLAY", "-u", "CORVANE_SECRETS", "CORVANE_TEST_RUNS_APART=1",
-            "HOME=" + home.paths().home, "XDG_DATA_HOME=" + home.path("share"),
-            "XDG_CONFIG_HOME=" + home.path("config"), "XDG_RUNTIME_DIR=" + home.path("run"),
-            QCoreApplication::applicationFilePath(),
-            u"--gtest_filter=%1.%2"_s.arg(test->test_suite_name(), test->name()) });
-    EXPECT_TRUE(program.waitForFinished());
-    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-    EXPECT_EQ(program.exitCode(), 0) << program.readAll().toStdString();
-    return false;
-}
-
-/// A private bus that the keyring library uses as the session bus.
-class SessionBus : public PrivateBus {
-public:
-    SessionBus() { ::setenv("DBUS_SESSION_BUS_ADDRESS", qPrintable(address()), 1); }
-};
 
 /// A real Secret Service on a desktop that cannot prompt the user.
 class SecretService {
@@ -183,4 +153,18 @@ TEST(DesktopKeyring, aServiceThatNeverAnswersHoldsUpNothingNotEvenTheEnd)
     start.awaitPlace("the desktop's keyring");
     EXPECT_TRUE(await([&] { return !start.inFile("\"new\""); }));
     EXPECT_EQ(start.value(account), "new");
+}
+
+TEST(DesktopKeyring, itIsAbsentWhereTheFileIsAskedFor)
+{
+    const Environment environment { { "CORVANE_SECRETS", "file" } };
+    const auto keyring = makeKeyring();
+    QList<Keyring::Failure> failures;
+    keyring->readAll(Keyring::Unlock::Ask, [&](const auto& answer) { failures.append(answer.error()); });
+    const auto done = [&](const std::optional<Keyring::Failure>& failure) {
+        failures.append(failure.value());
+    };
+    keyring->write(account, "secret", Keyring::Unlock::Ask, done);
+    keyring->erase(account, Keyring::Unlock::Ask, done);
+    EXPECT_EQ(failures, QList<Keyring::Failure>(3, Keyring::Failure::Absent));
 }

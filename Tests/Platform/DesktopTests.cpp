@@ -58,6 +58,13 @@ TEST_F(DesktopTest, theAppearanceFollowsThePortal)
     EXPECT_EQ(desktop.colourScheme(), ColourScheme::Dark);
     EXPECT_TRUE(desktop.prefersReducedMotion());
     EXPECT_EQ(changes, 2);
+    portal.change("org.freedesktop.appearance", "color-scheme", preferDark);
+    portal.change("org.gnome.desktop.interface", "enable-animations", false);
+    portal.change("org.gnome.desktop.other", "enable-animations", true);
+    portal.change("org.gnome.desktop.interface", "other", true);
+    privateBus.settle();
+    EXPECT_EQ(changes, 2) << "nothing of it is new";
+    EXPECT_TRUE(desktop.prefersReducedMotion());
 
     portal.change("org.freedesktop.appearance", "color-scheme", preferLight);
     portal.change("org.freedesktop.appearance", "accent-color", 1.0);
@@ -72,6 +79,7 @@ TEST_F(DesktopTest, theAppearanceFollowsThePortal)
     privateBus.settle();
     EXPECT_EQ(desktop.colourScheme(), ColourScheme::Dark) << "without a choice the palette decides";
     EXPECT_FALSE(desktop.prefersReducedMotion());
+    EXPECT_EQ(changes, 5);
 }
 
 TEST_F(DesktopTest, aPortalMayComeLate)
@@ -104,10 +112,29 @@ TEST_F(DesktopTest, filesAreChosenInTheDesktopsWindowAndWithoutOneThePersonIsTol
     {
         const FilePortal portal(desktopBus, 0, { "file:///tmp/a%20b.pdf", "file:///c" });
         choose(desktop);
+        EXPECT_EQ(portal.asked, QStringList("Attach files: several file"));
     }
     const FilePortal portal(desktopBus, 1, { "file:///c" });
     choose(desktop);
     EXPECT_EQ(told, QStringList({ "file:///tmp/a b.pdf file:///c", "" })) << "the second time the person gave up";
+}
+
+TEST_F(DesktopTest, aFolderIsChosenTheSameWay)
+{
+    XdgDesktop desktop(bus, 027);
+    QStringList told;
+    const auto choose = [&] {
+        QObject context;
+        desktop.chooseFolder("Where", &context, [&](const Result<QList<QUrl>>& folder) {
+            told.append(folder ? QUrl::toStringList(*folder).join(' ') : folder.error().message);
+        });
+        privateBus.settle();
+    };
+    choose();
+    const FilePortal portal(desktopBus, 0, { "file:///tmp" });
+    choose();
+    EXPECT_EQ(told, QStringList({ "This desktop has no window to choose a folder in. Type its path.", "file:///tmp" }));
+    EXPECT_EQ(portal.asked, QStringList("Where: one folder"));
 }
 
 TEST_F(DesktopTest, withoutABusThePaletteDecidesAndBadgesGoNowhere)

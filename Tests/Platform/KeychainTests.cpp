@@ -121,6 +121,56 @@ TEST_F(KeychainTest, aSecretThatSomebodyTookOutOfTheKeyringIsMissedRatherThanAwa
     EXPECT_TRUE(places().isEmpty());
 }
 
+TEST_F(KeychainTest, aKeyringThatFailsIsAskedAgainLessAndLessOften)
+{
+    const QString until = "; new ones in a private file (" + home.path(file) + ") until then";
+    const std::pair<Failure, QString> failures[] { { Failure::Failed,
+                                                       "the desktop's keyring, which does not answer" + until },
+        { Failure::Locked, "the desktop's keyring, which is locked" + until } };
+    keychain->set(" first\n", "ann");
+    EXPECT_EQ(value(), "first");
+    EXPECT_EQ(keychain->description(), "the desktop's keyring");
+    for (const auto& [failure, description] : failures) {
+        keyring.failure = failure;
+        open();
+        EXPECT_EQ(keychain->description(), description);
+        QList<int> moments;
+        int second = 0;
+        QObject::connect(keychain.get(), &Keychain::changed, keychain.get(), [&] { moments.append(second); });
+        const auto pass = [&](int seconds_) {
+            moments.clear();
+            for (second = 1; second <= seconds_; ++second)
+                clock.advance(seconds(1));
+        };
+        pass(200);
+        EXPECT_EQ(moments, QList<int>({ 5, 15, 35, 75, 135, 195 }));
+        keychain->unlock();
+        pass(16);
+        EXPECT_EQ(moments, QList<int>({ 5, 15 })) << "what the user asks for begins anew";
+
+        keyring.silent = true;
+        const int asked = keyring.asked;
+        keychain->unlock();
+        keychain->unlock();
+        EXPECT_EQ(keyring.asked, asked + 1) << "one question at a time";
+        EXPECT_EQ(keychain->description(), "the desktop's keyring, which has not answered yet");
+        EXPECT_EQ(clock.pendingTimers(), 0);
+        keyring.failure.reset();
+        keyring.speak();
+        EXPECT_EQ(value(), "first");
+    }
+    keyring.silent = true;
+    keychain->remove("ann");
+    EXPECT_EQ(value(), "none") << "before the keyring has answered";
+    keyring.speak();
+    EXPECT_EQ(keyring.values, Keyring::Secrets());
+    EXPECT_TRUE(places().isEmpty());
+    keyring.failure = Failure::Absent;
+    open();
+    EXPECT_EQ(keychain->description(), "a private file (" + home.path(file) + ')');
+    EXPECT_EQ(clock.pendingTimers(), 0) << "there is nothing to hand over";
+}
+
 TEST(SecretFile, isReadByItsOwnerAloneAndNeverWhereItIsNotToBeTrusted)
 {
     const TemporaryHome home;

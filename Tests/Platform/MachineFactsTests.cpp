@@ -9,6 +9,7 @@
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QDir>
+#include <QSysInfo>
 #include <gtest/gtest.h>
 
 using namespace corvane;
@@ -32,9 +33,14 @@ public:
     void change(const QString& name, const QVariant& value)
     {
         m_value = value;
-        auto signal = QDBusMessage::createSignal(m_path, properties, "PropertiesChanged");
-        signal << m_service << QVariantMap { { name, value } } << QStringList();
-        m_bus.send(signal);
+        tell({ m_service, QVariantMap { { name, value } }, QStringList() });
+    }
+
+    /// Changes the value without a word, and sends any change signal.
+    void change(const QVariant& value, const QVariantList& told)
+    {
+        m_value = value;
+        tell(told);
     }
 
     QString introspect(const QString&) const override { return {}; }
@@ -46,6 +52,13 @@ public:
     }
 
 private:
+    void tell(const QVariantList& told)
+    {
+        auto signal = QDBusMessage::createSignal(m_path, properties, "PropertiesChanged");
+        signal.setArguments(told);
+        m_bus.send(signal);
+    }
+
     inline static const QString properties = "org.freedesktop.DBus.Properties";
 
     QDBusConnection m_bus;
@@ -89,6 +102,15 @@ TEST_F(Machine, theVersionAndTheProcessorAreTheKernels)
     EXPECT_EQ(facts().version(), (SystemVersion { 6, 18, 0 }));
     write("/proc/sys/kernel/arch", "riscv64");
     EXPECT_TRUE(state().isTranslated);
+    const bool isX86 = QSysInfo::buildCpuArchitecture() == "x86_64" || QSysInfo::buildCpuArchitecture() == "i386";
+    for (const char* kernel : { "x86_64", "i386", "i686" }) {
+        write("/proc/sys/kernel/arch", kernel);
+        EXPECT_EQ(state().isTranslated, !isX86) << kernel;
+    }
+    for (const char* kernel : { "aarch64", "armv7l" }) {
+        write("/proc/sys/kernel/arch", kernel);
+        EXPECT_EQ(state().isTranslated, isX86) << kernel;
+    }
     EXPECT_FALSE(ProcMachineFacts({}, {}, noBus()).state().isTranslated);
 }
 
@@ -114,9 +136,10 @@ TEST_F(Machine, memoryIsWhatIsBuiltInAndTheDiskIsTheOneOfTheDataFolder)
     write("/proc/meminfo", "MemFree: 7 kB\nMemTotal:       8040000 kB\nSwapTotal: 9 kB");
     EXPECT_EQ(state().physicalMemoryBytes, Q_UINT64_C(8040000) * 1024);
     write("/sys/devices/system/memory/block_size_bytes", "80000000");
+    write("/sys/devices/system/memory/memory9/online", "0");
+    EXPECT_EQ(state().physicalMemoryBytes, Q_UINT64_C(8040000) * 1024) << "no block is online";
     for (int i = 0; i < 4; ++i)
         write(u"/sys/devices/system/memory/memory%1/online"_s.arg(i), "1");
-    write("/sys/devices/system/memory/memory9/online", "0");
     EXPECT_EQ(state().physicalMemoryBytes, Q_UINT64_C(1) << 33);
     EXPECT_GT(state().freeDiskBytes, 0);
     EXPECT_EQ(ProcMachineFacts({}, home.path("nowhere"), noBus()).state().freeDiskBytes, -1);
@@ -138,6 +161,10 @@ TEST_F(Machine, powerComesFromTheSuppliesWhereNoServiceRuns)
     write(supplies + "BAT0/status", "Not charging");
     write(supplies + "AC/online", "1");
     EXPECT_EQ(state().powerSourceStates, QStringList({ "AC Power", "AC Power", "" }));
+    for (const char* status : { "Unknown", "" }) {
+        write(supplies + "BAT0/status", status);
+        EXPECT_EQ(state().powerSourceStates, QStringList({ "AC Power", "", "" })) << status;
+    }
     EXPECT_FALSE(state().lowPowerMode);
     write("/sys/firmware/acpi/platform_profile", "low-power");
     EXPECT_TRUE(state().lowPowerMode);
@@ -154,6 +181,15 @@ TEST_F(Machine, theServicesOfTheBusAreFollowedAsTheyComeChangeAndGo)
     upower.change("OnBattery", false);
     bus.settle();
     EXPECT_EQ(machine.state().powerSourceStates, QStringList("AC Power"));
+    const QVariantMap onBattery { { "OnBattery", true } };
+    upower.change(true, { "org.example.Other", onBattery, QStringList("OnBattery") });
+    upower.change(true, { "org.freedesktop.UPower", onBattery });
+    upower.change(true, { "org.freedesktop.UPower", QVariantMap { { "Other", true } }, QStringList("Another") });
+    bus.settle();
+    EXPECT_EQ(machine.state().powerSourceStates, QStringList("AC Power")) << "none of them is about this property";
+    upower.change(true, { "org.freedesktop.UPower", QVariantMap(), QStringList("OnBattery") });
+    bus.settle();
+    EXPECT_EQ(machine.state().powerSourceStates, QStringList("Battery Power")) << "a change without the value is read";
 
     const std::pair<QString, QString> profiles[] { { "net.hadess.PowerProfiles", "/net/hadess/PowerProfiles" },
         { "org.freedesktop.UPower.PowerProfiles", "/org/freedesktop/UPower/PowerProfiles" } };

@@ -74,6 +74,10 @@ TEST_F(NotificationServiceTest, aBannerCarriesItsTextsActionsAndHints)
     EXPECT_EQ(received.hints.value("desktop-entry"), "com.nimb.corvane");
     EXPECT_EQ(received.hints.value("x-corvane-thread"), "nimb.approvals");
 
+    Banner subtitle = banner("subtitle", "");
+    subtitle.subtitle = "Email";
+    show(subtitle, daemon);
+    EXPECT_EQ(daemon.received.constLast().body, "Email");
     show(banner("plain"), daemon);
     EXPECT_EQ(daemon.received.constLast().hints.value("category").toString(), "im.received");
     EXPECT_EQ(daemon.received.constLast().body, "hello");
@@ -127,6 +131,38 @@ TEST_F(NotificationServiceTest, aBannerIsTakenBackFromTheScreenAndFromItsWay)
     privateBus.settle();
     EXPECT_EQ(daemon.received.size(), 3) << "the second is not shown any more";
     EXPECT_EQ(daemon.closed.last(), daemon.received.constLast().id);
+}
+
+TEST_F(NotificationServiceTest, whatIsTakenBackBeforeTheDaemonAnswersIsNotShownAndWhatComesAgainIs)
+{
+    NotificationDaemon daemon(daemonBus);
+    service.show(banner("one"));
+    service.show(banner("two"));
+    service.withdraw({ { "key", "one" } });
+    ASSERT_TRUE(await([&] { return !daemon.received.isEmpty(); }));
+    privateBus.settle();
+    EXPECT_EQ(daemon.received.size(), 1);
+    EXPECT_EQ(daemon.received.constFirst().id, 1U);
+
+    service.show(banner("three"));
+    service.withdraw({ { "key", "three" } });
+    service.show(banner("three", "again"));
+    ASSERT_TRUE(await([&] { return daemon.received.size() == 3; }));
+    privateBus.settle();
+    EXPECT_EQ(daemon.received.constLast().body, "again");
+    EXPECT_EQ(daemon.closed, QList<uint>());
+    service.withdraw({ { "key", "three" } });
+    service.withdraw({ { "key", "three" } });
+    privateBus.settle();
+    EXPECT_EQ(daemon.closed, QList<uint>({ 2 }));
+    show(banner("three"), daemon);
+    EXPECT_EQ(daemon.received.constLast().replaces, 0U) << "what was taken back cannot be replaced";
+
+    daemon.refuses = true;
+    show(banner("four"), daemon);
+    daemon.refuses = false;
+    show(banner("four"), daemon);
+    EXPECT_EQ(daemon.received.constLast().replaces, 0U) << "it was never shown";
 }
 
 TEST_F(NotificationServiceTest, aPressComesBackWithTheBannersUserInfo)

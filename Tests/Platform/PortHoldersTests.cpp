@@ -54,6 +54,7 @@ TEST(PortHolders, onlyTheProcessesBehindAListeningSocketOfThatPortAreFound)
     process("16", "1000", "501"); // exits during the scan
     ASSERT_TRUE(QFile::remove(home.path("proc/16/status")));
 
+    process("17", "nobody", "501");
     ProcPortHolders holders(home.path("proc"));
     const QList<PortHolder> found = holders.listeningOn(8765);
     EXPECT_EQ(pids(found), QList<qint64>({ 11, 12 }));

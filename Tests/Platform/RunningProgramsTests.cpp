@@ -19,10 +19,12 @@ TEST(RunningPrograms, eachIsToldByItsFileAndByWhatTheDesktopStartedItAs)
     runs("9", "/usr/bin/telegram-desktop", "app-org.telegram.desktop@0f1e.service");
     runs("10", "/usr/bin/bash", "session.slice");
     runs("11", "/usr/bin/bash", "session.slice");
+    runs("13", "/usr/bin/part", "app-org.example.slice");
+    runs("self", "/usr/bin/self", "app-gnome-self-1.scope");
     home.write("proc/12/cgroup", "0::/kernel\n"); // no executable
     QList<RunningProgram> found = runningPrograms(home.path("proc"));
     std::ranges::sort(found, {}, &RunningProgram::binary);
-    const QList<RunningProgram> expected { { "bash", "" }, { "electron", "signal-desktop" },
+    const QList<RunningProgram> expected { { "bash", "" }, { "electron", "signal-desktop" }, { "part", "" },
         { "telegram-desktop", "org.telegram.desktop" }, { "zoom", "us.zoom.Zoom" } };
     EXPECT_EQ(found, expected);
 }

@@ -68,6 +68,8 @@ public:
     }
     ~FilePortal() override { m_bus.unregisterService("org.freedesktop.portal.Desktop"); }
 
+    QStringList asked;
+
 public Q_SLOTS:
     Q_SCRIPTABLE QDBusObjectPath OpenFile(const QString&, const QString& title, const QVariantMap& options)
     {
@@ -76,8 +78,9 @@ public Q_SLOTS:
             = "/org/freedesktop/portal/desktop/request/" + sender + '/' + options["handle_token"].toString();
         auto response = QDBusMessage::createSignal(path, "org.freedesktop.portal.Request", "Response");
         response << m_response << QVariantMap { { "uris", m_uris } };
-        if (title == "Attach files" && options["multiple"].toBool())
-            m_bus.send(response);
+        asked.append(u"%1: %2%3"_s.arg(title, options["multiple"].toBool() ? "several " : "one ",
+            options["directory"].toBool() ? "folder" : "file"));
+        m_bus.send(response);
         return QDBusObjectPath(path);
     }
 

@@ -7,6 +7,7 @@
 #include "Support/PrivateBus.h"
 #include "Support/TemporaryHome.h"
 
+#include <QDBusConnectionInterface>
 #include <QElapsedTimer>
 #include <QLocalSocket>
 #include <QThread>
@@ -85,6 +86,13 @@ TEST_F(SingleInstanceTest, eachDataFolderHasAProgramOfItsOwn)
     EXPECT_TRUE(first.claim({}));
     EXPECT_TRUE(second.claim({}));
     EXPECT_TRUE(log.lines().isEmpty()) << qPrintable(log.lines().join('\n'));
+    for (const StartFor purpose : { StartFor::Headless, StartFor::Window }) {
+        BusSingleInstance third(home.path("third"), bus, purpose);
+        ASSERT_TRUE(third.claim({}));
+        EXPECT_TRUE(bus.interface()->isServiceRegistered(instanceName(home.path("third"))));
+        EXPECT_EQ(home.read("third/instance.lock"), purpose == StartFor::Headless ? "headless\n" : "");
+    }
+    EXPECT_FALSE(bus.interface()->isServiceRegistered(instanceName(home.path("third"))));
 
     const QString usual = QFile::decodeName(getpwuid(getuid())->pw_dir) + "/.local/share/Corvane";
     EXPECT_EQ(instanceName(usual), "com.nimb.corvane");
@@ -140,7 +148,7 @@ TEST_F(SingleInstanceTest, theSocketIsTheUsersOwnAndOutlivesNonsense)
         ASSERT_EQ(stat(QFile::encodeName(folder + '/' + name).constData(), &status), 0);
         EXPECT_EQ(status.st_mode & 0077, 0U) << qPrintable(name);
     }
-    const QList<QByteArray> nonsense { "\n", "[1]\n", "\xFF{\n", QByteArray(1'000'000, 'x') };
+    const QList<QByteArray> nonsense { "\n", "[1]\n", "\xFF{\n", QByteArray(65'536, 'x'), QByteArray(1'000'000, 'x') };
     for (const QByteArray& text : nonsense) {
         QLocalSocket socket;
         socket.connectToServer(socketPath);

@@ -39,6 +39,7 @@ public:
     QList<Received> received;
     QList<uint> closed;
     QStringList capabilities;
+    bool refuses = false; ///< shows no banner
 
 public Q_SLOTS:
     Q_SCRIPTABLE QStringList GetCapabilities() { return capabilities; }
@@ -47,7 +48,7 @@ public Q_SLOTS:
     {
         const uint id = replaces != 0 ? replaces : ++m_lastId;
         received.append({ id, replaces, application, icon, summary, body, actions, hints, timeout });
-        return id;
+        return refuses ? 0 : id;
     }
     Q_SCRIPTABLE void CloseNotification(uint id)
     {
