@@ -66,6 +66,11 @@ TEST_F(CalendarRecordsTest, theMirrorIsReplacedAndThenOnlyItsDifferenceIsWritten
     EXPECT_FALSE(replaceCalendarEvents(*m_db, { event(u"y"_s, 1), event(u"x"_s, 2) }));
     EXPECT_FALSE(changeCalendarEvents(*m_db, { { u"b"_s }, { event(u"x"_s, 2) } }));
     EXPECT_EQ(fetchCalendarEvents(*m_db, 0, 9), second) << "all or nothing";
+    m_db->exec("CREATE TRIGGER kept BEFORE DELETE ON calendar_event BEGIN SELECT RAISE(ABORT,''); END;");
+    EXPECT_FALSE(changeCalendarEvents(*m_db, { { u"b"_s }, {} }));
+    EXPECT_FALSE(m_db->inTransaction());
+    m_db->close();
+    EXPECT_FALSE(changeCalendarEvents(*m_db, { { u"b"_s }, {} }));
 }
 
 TEST_F(CalendarRecordsTest, anAskedEventWaitsForItsApprovalAsItWasSeen)
@@ -139,6 +144,12 @@ TEST_F(CalendarRecordsTest, aBriefTellsWhatIsKnownOfAPersonAndAsksOnceForAFollow
     const auto decision = fetchWorkDecision(*m_db, *id);
     EXPECT_EQ(decision->status + u' ' + decision->risk, u"rejected external"_s) << "it is asked once";
     EXPECT_TRUE(decision->proposal.endsWith("\n\nSend the offer."_L1));
+    EXPECT_EQ(cell("SELECT slug || ' ' || title || ' ' || kind || ' ' || module FROM work_context;"),
+        "meeting-e1 Plan meeting gtm");
+    m_db->exec("CREATE TRIGGER full BEFORE INSERT ON work_decision BEGIN SELECT RAISE(ABORT,''); END;");
+    EXPECT_FALSE(proposeOutboundReview(*m_db, u"E3"_s, u"Plan"_s, {}));
+    m_db->exec("CREATE TRIGGER full2 BEFORE INSERT ON work_context BEGIN SELECT RAISE(ABORT,''); END;");
+    EXPECT_FALSE(proposeOutboundReview(*m_db, u"E4"_s, u"Plan"_s, {}));
     m_db->exec("DROP TABLE work_decision; DROP TABLE meeting_prep_cache;");
     EXPECT_FALSE(proposeOutboundReview(*m_db, u"E2"_s, u"Plan"_s, {}));
     EXPECT_FALSE(storeMeetingPrep(*m_db, brief));

@@ -59,7 +59,7 @@ TEST_F(CrmTest, aNoteWithoutAContactWaitsUntilOneIsLinked)
     EXPECT_DOUBLE_EQ(at("p").confidence, 0.98);
 
     EXPECT_TRUE(applyAsSeen(*m_db, "p"));
-    EXPECT_FALSE(applyAsSeen(*m_db, "p")) << "once is enough";
+    EXPECT_EQ(applyCRMUpdateProposal(*m_db, "p", proposalHash(at("p"))), Decided::AlreadySo) << "once is enough";
     EXPECT_FALSE(linkCRMUpdateProposal(*m_db, "p", ana));
     EXPECT_EQ(rejectCRMUpdateProposal(*m_db, "p"), Decided::Refused) << "what was applied stays applied";
     EXPECT_EQ(table("SELECT status, applied_at, rejected_at, error FROM crm_update_proposal;"),
@@ -87,6 +87,9 @@ TEST_F(CrmTest, aProposalThatCannotBeAppliedSaysWhyAndStays)
     EXPECT_EQ(fetchCRMUpdateProposals(*m_db, "pending", 10).size(), 4);
 
     EXPECT_EQ(rejectCRMUpdateProposal(*m_db, "deal"), Decided::Taken);
+    EXPECT_EQ(rejectCRMUpdateProposal(*m_db, "deal"), Decided::AlreadySo);
+    EXPECT_EQ(rejectCRMUpdateProposal(*m_db, "none"), Decided::Refused);
+    EXPECT_EQ(applyCRMUpdateProposal(*m_db, "deal", proposalHash(at("deal"))), Decided::Refused);
     EXPECT_EQ(at("deal").status, "rejected");
     EXPECT_EQ(at("deal").error, "");
     EXPECT_EQ(fetchCRMUpdateProposals(*m_db, "pending", 10).size(), 3);
@@ -131,6 +134,17 @@ TEST_F(CrmTest, anAppliedEventIsAskedOfTheCalendar)
         ana);
     EXPECT_EQ(at("e").bodyPreview(), "Mon 24 Nov 2025, 12:00 to 13:00\nBar Sol");
     EXPECT_TRUE(applyAsSeen(*m_db, "e"));
+    propose("late", "event", R"({"startMs":1763982000000,"endMs":1764068400000,"notes":"Two\ndays"})");
+    EXPECT_EQ(at("late").bodyPreview(), "Mon 24 Nov 2025, 12:00 to Tue 25 Nov 2025, 12:00\nTwo\ndays");
+    propose("bare", "event", R"({"location":"Bar Sol"})");
+    EXPECT_EQ(at("bare").bodyPreview(), "Bar Sol");
+    for (const char* span : { R"({"startMs":0,"endMs":5})", R"({"startMs":5,"endMs":5})", R"({"endMs":5})" }) {
+        propose(span, "event", span);
+        EXPECT_FALSE(applyAsSeen(*m_db, span)) << span;
+    }
+    propose("usual", "task", R"({"title":"Call","priority":"Normal"})");
+    EXPECT_EQ(at("usual").bodyPreview(), "Call");
+    EXPECT_TRUE(callProposals(*m_db, "c").isEmpty());
     EXPECT_EQ(table("SELECT title, start_ms, end_ms, location, calendar, status FROM calendar_command;"),
         QStringList("Lunch|1763982000000|1763985600000|Bar Sol|Work|pending"));
 }
@@ -186,6 +200,16 @@ TEST_F(CrmTest, aDoneTaskShowsOnlyWhenAskedFor)
     EXPECT_TRUE(reopenCRMTask(*m_db, *open, "Doing"));
     EXPECT_EQ(tasks(DoneTasks::Leave).first().status, "Doing");
     EXPECT_EQ(cell("SELECT payload_json FROM crm_mutation_queue WHERE action='update';"), R"({"status":"Doing"})");
+    const qsizetype before = queued().size();
+    EXPECT_FALSE(completeCRMTask(*m_db, "none"));
+    EXPECT_FALSE(reopenCRMTask(*m_db, "none", "Doing"));
+    EXPECT_FALSE(moveCRMDeal(*m_db, "none", "Proposal"));
+    m_db->exec("CREATE TRIGGER full BEFORE INSERT ON crm_task BEGIN SELECT RAISE(ABORT, 'full'); END;"
+               "CREATE TRIGGER full2 BEFORE INSERT ON crm_deal BEGIN SELECT RAISE(ABORT, 'full'); END;");
+    EXPECT_FALSE(insertCRMTask(*m_db, { .title = "Lost", .due = {} }));
+    EXPECT_FALSE(insertCRMTask(*m_db, ana, { .title = "Lost", .due = {} }));
+    EXPECT_FALSE(insertCRMDeal(*m_db, ana, { "Lost", "Proposal", "1", "", {} }));
+    EXPECT_EQ(queued().size(), before) << "what was not written is not told to the web";
 }
 
 TEST_F(CrmTest, aDealCountsInItsStageByTheNumberThatItsValueTells)
@@ -269,9 +293,15 @@ TEST_F(CrmTest, aForgottenMemoryIsGoneUnlessItIsKeptAfterAll)
     EXPECT_FALSE(forgetMemoryEntry(*m_db, "a"));
     EXPECT_TRUE(keepMemoryEntry(*m_db, *forgotten));
     EXPECT_EQ(fetchMemoryEntries(*m_db, scope).first().id, "a") << "where it stood";
+    EXPECT_EQ(fetchAllMemoryEntries(*m_db, 9),
+        (QList<ScopedMemoryEntry> {
+            { "o", "owner", "", "mine" }, { "a", scope, "Ana", "first" }, { "b", scope, "Ana", "second" } }));
+    EXPECT_EQ(fetchAllMemoryEntries(*m_db, 1).size(), 1);
     m_db->exec("DROP TABLE work_memory_entries;");
     EXPECT_EQ(fetchMemoryEntries(*m_db, scope), QList<MemoryEntry>());
     EXPECT_FALSE(forgetMemoryEntry(*m_db, "b"));
+    EXPECT_FALSE(keepMemoryEntry(*m_db, *forgotten));
+    EXPECT_TRUE(fetchAllMemoryEntries(*m_db, 9).isEmpty());
 }
 
 }

@@ -227,6 +227,12 @@ TEST_F(InboxTest, aSearchIsNarrowedByPersonPlaceContentAndTime)
     EXPECT_EQ(found(u"has:file has:image"_s), QList<qint64> { 400 }) << "without a text, too";
     EXPECT_EQ(found(u"kiln before:1971 after:1970"_s).size(), 3);
     EXPECT_EQ(found(u"kiln before:1969"_s).size(), 0);
+    m_db->exec("UPDATE unified_message SET media_type='audio' WHERE ts=100;"
+               "UPDATE unified_message SET media_type='document' WHERE ts=200;"
+               "UPDATE unified_message SET media_path='/x' WHERE ts=300;");
+    EXPECT_EQ(found(u"has:audio"_s) + found(u"has:documents"_s), (QList<qint64> { 100, 200 }));
+    EXPECT_EQ(found(u"has:video"_s), QList<qint64>());
+    EXPECT_EQ(found(u"has:file"_s), (QList<qint64> { 400, 300, 200, 100 }));
 }
 
 TEST_F(InboxTest, aReplyGoesToTheNewestConversationOnItsChannel)

@@ -2,6 +2,7 @@
 #include "Store/Work/OpsRecords.h"
 
 #include "Store/Search/RecordQueries.h"
+#include "Store/Work/BrowserSessions.h"
 #include "Store/Work/WorkBoardQueries.h"
 #include "Store/Work/WorkWrites.h"
 #include "Support/StoreTest.h"
@@ -77,6 +78,71 @@ TEST_F(OpsRecordsTest, aProjectShowsItsTabsAsksAndNews)
     EXPECT_FALSE(createOpsOrder(*m_db, "p", "t", " ", {}));
     EXPECT_EQ(fetchOpsOrders(*m_db, "p", 9).first().tabName, "worker");
     EXPECT_EQ(cell("SELECT status FROM message;"), "pending");
+}
+
+TEST_F(OpsRecordsTest, aProjectIsWrittenUnderItsSlugAndChangedByItsId)
+{
+    OpsProjectRow row;
+    row.slug = " shop ";
+    row.name = " Shop";
+    row.priority = 2;
+    const auto made = upsertOpsProject(*m_db, row);
+    ASSERT_TRUE(made);
+    EXPECT_EQ(made->id + '|' + made->slug + '|' + made->name + '|' + made->updatedAt, "pj:shop|shop|Shop|" + at(0));
+    EXPECT_FALSE(upsertOpsProject(*m_db, row)) << "the slug is taken";
+    m_clock.advance(Milliseconds(1000));
+    OpsProjectRow changed = *made;
+    changed.goal = "Sell plates ";
+    changed.liveTabs = 7;
+    const auto kept = upsertOpsProject(*m_db, changed);
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(kept->id + '|' + kept->goal + '|' + kept->updatedAt, "pj:shop|Sell plates|" + at(0));
+    EXPECT_EQ(kept->liveTabs, 0) << "counts are not written";
+    OpsProjectRow given = *made;
+    given.id = "given";
+    given.slug = "kiln";
+    EXPECT_EQ(upsertOpsProject(*m_db, given)->id, "given");
+    given.slug = "shop";
+    EXPECT_FALSE(upsertOpsProject(*m_db, given)) << "another one has it";
+    EXPECT_EQ(table("SELECT id, slug, priority FROM project ORDER BY id;"),
+        (QStringList { "given|kiln|2", "pj:shop|shop|2" }));
+    const auto ask = createOpsAsk(*m_db, { .projectSlug = "shop", .question = "Fire?", .urgency = "low" });
+    EXPECT_EQ(openAsks(*m_db), 1);
+    m_clock.advance(Milliseconds(1000));
+    answerOpsAsk(*m_db, ask->id, " Yes ", "Oskel");
+    EXPECT_EQ(openAsks(*m_db) + openUrgentAsks(*m_db), 0);
+    EXPECT_EQ(cell("SELECT updated_at FROM project WHERE id='pj:shop';"), at(0)) << "an answer lifts its project";
+    m_clock.advance(Milliseconds(1000));
+    EXPECT_TRUE(createOpsOrder(*m_db, "given", "t", " Go ", u"u"_s));
+    EXPECT_EQ(table("SELECT from_tab_id, to_tab_id, body FROM message;"), QStringList("u|t|Go"));
+    EXPECT_EQ(fetchOpsProjects(*m_db).first().id, "given") << "and so does an order";
+    m_db->exec("CREATE TRIGGER full BEFORE INSERT ON message BEGIN SELECT RAISE(ABORT, 'full'); END;"
+               "CREATE TRIGGER full2 BEFORE INSERT ON ask BEGIN SELECT RAISE(ABORT, 'full'); END;");
+    EXPECT_FALSE(createOpsOrder(*m_db, "given", "t", "Go", {}));
+    EXPECT_FALSE(createOpsAsk(*m_db, { .projectSlug = "shop", .question = "Lost?", .urgency = "low" }));
+}
+
+TEST_F(OpsRecordsTest, aBrowserSessionKeepsItsLastCapture)
+{
+    DevBrowserSessionRow row { "browser:1", "p", "Shop", "https://shop.example", "web", "live", "", "" };
+    EXPECT_TRUE(upsertDevBrowserSession(*m_db, row));
+    const QString began = at(0);
+    m_clock.advance(Milliseconds(1000));
+    row.lastCapturePath = "/shots/1";
+    row.status = "captured";
+    EXPECT_TRUE(upsertDevBrowserSession(*m_db, row));
+    row.lastCapturePath = "";
+    row.lastError = "gone";
+    EXPECT_TRUE(upsertDevBrowserSession(*m_db, row));
+    row.lastCapturePath = "/shots/1";
+    row.createdAt = began;
+    row.updatedAt = at(0);
+    EXPECT_EQ(fetchDevBrowserSessions(*m_db, "p", 9), QList<DevBrowserSessionRow> { row });
+    EXPECT_TRUE(fetchDevBrowserSessions(*m_db, "q", 9).isEmpty());
+    m_db->exec("DROP TABLE dev_browser_session; DROP TABLE project;");
+    EXPECT_FALSE(upsertDevBrowserSession(*m_db, row));
+    EXPECT_TRUE(fetchDevBrowserSessions(*m_db, "p", 9).isEmpty());
+    EXPECT_FALSE(upsertOpsProject(*m_db, {}));
 }
 
 TEST_F(OpsRecordsTest, missingTablesAreEmptyAndTakeNothing)

@@ -4,10 +4,13 @@
 #include "Store/Core/StoreWatch.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Store/Search/IndexedSearch.h"
+#include "Store/Search/SearchIndexFile.h"
 #include "Support/Await.h"
 #include "Support/StoreTest.h"
 
+#include <QDir>
 #include <QFile>
+#include <QSignalSpy>
 #include <random>
 
 namespace corvane {
@@ -229,6 +232,115 @@ TEST_F(SearchIndexTest, theIndexerFollowsAndAFaultyFileIsBuiltAnew)
     ASSERT_TRUE(await(follows));
     expectTheSame(u"needle"_s);
     EXPECT_EQ(QFile::permissions(m_path) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+}
+
+// Another program changes a row without notifying this one.
+TEST_F(SearchIndexTest, theIndexerComparesEveryMessageAtItsStartAndAfterTenMinutes)
+{
+    write(1, u"before"_s, 1);
+    m_db->watch().messageChanges().onChange({});
+    SearchIndexer indexer(*m_db, m_clock);
+    const QSignalSpy told(&indexer, &SearchIndexer::stateChanged);
+    indexer.start();
+    indexer.start();
+    const auto value = [&](const QString& name) {
+        return indexValue(*SqlConnection::reader(m_path, m_never), name).value_or(0);
+    };
+    const qint64 start = m_clock.nowMs();
+    const auto reaches = [&](const QString& name, qint64 least) {
+        return await([&] {
+            m_clock.advance(Milliseconds(m_clock.nowMs() < start + 300'000 ? 50 : 0));
+            return value(name) >= least;
+        });
+    };
+    ASSERT_TRUE(reaches(u"swept"_s, start));
+    const qint64 first = value(u"swept"_s);
+    EXPECT_TRUE(indexer.state().complete);
+    EXPECT_GE(told.size(), 2) << "when it was built, and when nothing more was to do";
+    OtherProcess(path()).exec("UPDATE unified_message SET body='afterwards';");
+    for (int number = 2; number < 5; ++number) {
+        m_db->watch().tell(StoreSubject::Messages);
+        write(number, u"more"_s, number);
+        ASSERT_TRUE(reaches(u"rowid"_s, number));
+    }
+    EXPECT_EQ(value(u"swept"_s), first) << "not so soon";
+    EXPECT_EQ(find(u"afterwards"_s)->size(), 0);
+    m_clock.setNowMs(first + 600'000);
+    m_db->watch().tell(StoreSubject::Messages);
+    ASSERT_TRUE(await([&] {
+        m_clock.advance(Milliseconds(10));
+        return value(u"swept"_s) > first;
+    }));
+    EXPECT_EQ(find(u"afterwards"_s)->size(), 1);
+}
+
+TEST_F(SearchIndexTest, anIndexThatCannotBeKeptIsGivenUp)
+{
+    ASSERT_TRUE(QDir().mkpath(m_path)); // a folder where the file would be
+    write(1, u"the needle"_s, 1);
+    m_db->watch().messageChanges().onChange({});
+    SearchIndexer indexer(*m_db, m_clock);
+    const QSignalSpy told(&indexer, &SearchIndexer::stateChanged);
+    indexer.start();
+    const QString givenUp = u"SearchIndexer: the search index cannot be kept; searches read every message"_s;
+    ASSERT_TRUE(await([&] {
+        m_clock.advance(Milliseconds(500));
+        return m_log.contains(givenUp);
+    }));
+    EXPECT_EQ(m_log.lines().count(givenUp), 1);
+    EXPECT_EQ(told.size(), 0);
+    ASSERT_TRUE(QDir().rmdir(m_path));
+    write(2, u"another needle"_s, 2);
+    m_clock.advance(seconds(60));
+    EXPECT_EQ(m_clock.pendingTimers(), 0) << "nothing more is tried";
+    EXPECT_FALSE(QFile::exists(m_path));
+    EXPECT_EQ(findMessages(*m_db, u"needle"_s, 9, std::nullopt, m_never).hits.size(), 2);
+}
+
+TEST_F(SearchIndexTest, aLargeStoreIsTakenInStepsAndASearchSaysHowFarItIs)
+{
+    const auto writeMany = [&](int from, int count) {
+        m_db->run("WITH RECURSIVE n(i) AS (SELECT ?1 UNION ALL SELECT i+1 FROM n WHERE i<?1+?2-1) "
+                  "INSERT INTO unified_message(id, workspace_id, conversation_id, direction, body, ts, updated_at) "
+                  "SELECT 's:' || i, 'local', ?3, 'IN', 'crowd ' || i, i, i FROM n;",
+            { from, count, m_conversations.first() });
+    };
+    writeMany(1, 4200);
+    SearchIndex index(m_path, m_never);
+    const auto database = SqlConnection::reader(m_db->path(), m_never);
+    const auto search = [&] {
+        return findMessages(*database, u"crowd 4"_s, 3, MessageChanges::Rows(), m_never);
+    };
+    IndexState state = index.advance(*database, {});
+    EXPECT_TRUE(state.usable && state.more);
+    EXPECT_FALSE(state.complete || state.faulty);
+    EXPECT_EQ(state.indexed, 4000);
+    EXPECT_EQ(state.total, 4200);
+    EXPECT_EQ(search().indexPercent, 95);
+    EXPECT_EQ(search().hits.size(), 3);
+    state = index.advance(*database, {});
+    EXPECT_TRUE(state.complete && state.more);
+    EXPECT_EQ(state.indexed, 4200);
+    state = index.advance(*database, {});
+    EXPECT_TRUE(state.usable && state.complete);
+    EXPECT_FALSE(state.more);
+    EXPECT_EQ(search().indexPercent, std::nullopt);
+    EXPECT_EQ(search().hits.size(), 3);
+    EXPECT_EQ(index.sweep(*database, 0, 5), 4000);
+    EXPECT_EQ(indexValue(index, u"swept"_s), std::nullopt);
+    EXPECT_EQ(index.sweep(*database, 4000, 5), std::nullopt);
+    EXPECT_EQ(indexValue(index, u"swept"_s), 5);
+    writeMany(4201, 4000);
+    EXPECT_TRUE(index.advance(*database, {}).more);
+    EXPECT_FALSE(index.advance(*database, {}).more);
+    EXPECT_EQ(indexValue(index, u"rowid"_s), 8200);
+
+    const auto stopped = std::make_shared<std::atomic<bool>>(true);
+    SearchIndex other(m_path, stopped);
+    m_db->exec("UPDATE unified_message SET body='changed';");
+    state = other.advance(*database, m_db->watch().messageChanges().all());
+    EXPECT_FALSE(state.usable || state.faulty) << "a step that was stopped is no fault of the file";
+    EXPECT_EQ(find(u"crowd 81"_s)->size(), 0) << "the rows that changed are read one by one";
 }
 
 }

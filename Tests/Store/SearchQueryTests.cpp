@@ -53,6 +53,8 @@ TEST(SearchQuery, takesDaysMonthsAndYearsAndTheTightestOfThem)
     EXPECT_EQ(parsed(u"after:2026-11"_s).afterMs, startOf(2026, 11, 1));
     EXPECT_EQ(parsed(u"before:2026 before:2025"_s).beforeMs, startOf(2025, 1, 1));
     EXPECT_EQ(parsed(u"after:2025 after:Yesterday"_s).afterMs, startOf(2026, 11, 21));
+    EXPECT_EQ(parsed(u"before:today"_s).beforeMs, startOf(2026, 11, 22));
+    EXPECT_EQ(parsed(u"before:2025 before:2026"_s).beforeMs, startOf(2025, 1, 1));
 }
 
 TEST(SearchQuery, saysWhatAValueShouldBe)
@@ -77,4 +79,17 @@ TEST(SearchQuery, asksOnlyForWhatCanMeetAllParts)
     EXPECT_TRUE(parsed(u"in:sms"_s).asksFor(SearchGroup::People));
     EXPECT_FALSE(parsed(u"in:notes x"_s).asksFor(SearchGroup::Messages));
     EXPECT_FALSE(parsed(QString()).asksFor(SearchGroup::Messages));
+    for (const auto& typed : { u"x from:me"_s, u"x has:link"_s, u"x after:2025"_s, u"x before:2025"_s })
+        EXPECT_FALSE(parsed(typed).asksFor(SearchGroup::People)) << typed.toStdString();
+    EXPECT_TRUE(parsed(u"x after:2025"_s).asksFor(SearchGroup::Notes));
+    EXPECT_FALSE(parsed(u"x from:me"_s).asksFor(SearchGroup::Notes));
+    EXPECT_TRUE(parsed(u"x from:ana"_s).asksFor(SearchGroup::People));
+    for (const auto& typed : { u"from:me"_s, u"from:ana"_s, u"in:notes"_s, u"in:sms"_s, u"in:x"_s, u"has:link"_s,
+             u"after:2025"_s, u"before:2025"_s, u"has:wings"_s })
+        EXPECT_TRUE(parsed(typed).isNarrowed()) << typed.toStdString();
+    EXPECT_EQ(groupLabel(SearchGroup::Deals) + groupWord(SearchGroup::Events), "Dealsevents");
+    QStringList words;
+    for (const NarrowingWord& told : narrowingWords())
+        words.append(told.word);
+    EXPECT_EQ(words, (QStringList { "from", "in", "has", "before", "after" }));
 }

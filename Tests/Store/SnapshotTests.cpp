@@ -89,7 +89,15 @@ TEST_F(SnapshotTest, anExportedRowIsAddedOnceAndDeletedOnesStay)
     EXPECT_TRUE(addPortable(*m_db, people, foreign));
     EXPECT_EQ(table("SELECT id, display_name, typeof(updated_at), updated_at, deleted_at FROM contact;"),
         QStringList { u"q|\"Q\" – it's|integer|7|-"_s });
+    EXPECT_TRUE(
+        addPortable(*m_db, people, { { u"id"_s, u"t"_s }, { u"updated_at"_s, 1.5 }, { u"deleted_at"_s, true } }));
+    EXPECT_EQ(table("SELECT updated_at, deleted_at FROM contact WHERE id='t';"), QStringList { u"1.5|-"_s })
+        << "no column holds a truth value";
     EXPECT_FALSE(addPortable(*m_db, people, { { u"other"_s, 1 } }));
+    visitPortable(*m_db, { u"x"_s, u"no_table"_s }, [](const QByteArray&) {
+        ADD_FAILURE() << "a table that is missing holds nothing";
+        return true;
+    });
     EXPECT_FALSE(addPortable(*m_db, { u"x"_s, u"no_table"_s }, last));
     const QStringList tables = tableColumns(*m_db).keys();
     for (const PortableKind& kind : portableKinds())
