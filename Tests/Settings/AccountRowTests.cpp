@@ -116,11 +116,22 @@ TEST(AccountRowActions, dependOnTheStateAndTheChannel)
         QStringList({ "Start", "Edit account", "Start with Corvane", "Remove!" }));
     EXPECT_EQ(actionLabels("EMAIL", WAStatus::LoggedOut),
         QStringList({ "Edit account", "Start", "Start with Corvane", "Remove!" }));
-    const AccountRow row = accountRow(accountOf(whatsApp), stateOf(WAStatus::Stopped), {});
+    Account unpaused = accountOf(whatsApp);
+    unpaused.paused.reset();
+    const AccountRow row = accountRow(unpaused, stateOf(WAStatus::Stopped), {});
     EXPECT_EQ(row.first().label, "Start");
     ASSERT_EQ(row.others().size(), 2);
     EXPECT_EQ(row.others().first().confirmation, "Unlink Team and pair it again?");
     EXPECT_FALSE(row.others().first().checkable);
+    Account bot = accountOf("TELEGRAM");
+    for (const bool starts : { false, true }) {
+        bot.startAtBoot = starts;
+        const AccountAction boot = accountRow(bot, stateOf(WAStatus::Connected), {}).actions.at(2);
+        EXPECT_EQ(boot.label, "Start with Corvane");
+        EXPECT_TRUE(boot.checkable);
+        EXPECT_EQ(boot.checked, starts);
+    }
+    EXPECT_EQ(accountRow(bot, {}, {}).lastMessage, "No messages yet · Starts with Corvane");
 }
 
 TEST(AccountRowActions, secretsBelongToTheChannelsThatAskedForOne)

@@ -57,6 +57,10 @@ TEST_F(LocalAccessTest, whatIsFoundIsCountedOnceItIsConnected)
     EXPECT_TRUE(awaitDetail(1, "1 open task"));
     access.connectTo("contacts");
     EXPECT_TRUE(awaitDetail(2, "1 person"));
+    m_home.write("team/bo.vcf", "BEGIN:VCARD\nVERSION:3.0\nFN:Bo\nTEL:+34600000001\nEND:VCARD\n");
+    m_defaults.setText("nimb.addressBookFolders", m_home.path("team"));
+    access.connectTo("contacts");
+    EXPECT_TRUE(awaitDetail(2, "2 people"));
 
     const QString folder = m_home.path("vault");
     m_home.write("vault/a.md", "x");

@@ -193,6 +193,27 @@ TEST_F(MailSheet, aPortIsANumberAndAnotherDomainHasOtherServers)
     EXPECT_EQ(accounts.accounts().size(), 0);
 }
 
+TEST_F(MailSheet, aStepThatIsCancelledEndsItsEngine)
+{
+    MailForm other({ accounts, world.engines, world.keychain }, world.home.paths(), world.launcher, world.clock);
+    const auto begin = [&] {
+        other.open();
+        other.field("email").type("ana@studio.example");
+        other.field("password").type("app pass");
+        world.launcher.expect(FakeLauncher::stays());
+        other.submit();
+        EXPECT_TRUE(other.busy());
+    };
+    begin();
+    other.cancel();
+    EXPECT_TRUE(world.launcher.last().terminated);
+    EXPECT_EQ(other.message(), "");
+    begin();
+    other.close();
+    EXPECT_TRUE(world.launcher.last().terminated);
+    EXPECT_FALSE(other.isOpen() || other.busy());
+}
+
 TEST_F(MailSheet, aMailboxThatTakesNoPasswordAsksForACommand)
 {
     find("studio.example", R"("found":"table","confirm":[],"signIn":"token","hint":"Name a command.")");

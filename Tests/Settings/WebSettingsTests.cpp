@@ -63,6 +63,8 @@ TEST_F(WebSettingsTest, theStateOfTheAccountIsToldFromTheSignInOn)
     EXPECT_FALSE(page.failed()) << "that nobody is signed in is no failure";
     sync.takeUp();
     QSignalSpy changed(&page, &WebSettings::changed);
+    session.setWebRejected(true);
+    EXPECT_EQ(changed.size(), 1);
     answer({ "w1" });
     session.setAuth("t", "d");
     EXPECT_GT(changed.size(), 0);
