@@ -5,11 +5,13 @@
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeKeyring.h"
+#include "Support/LogCapture.h"
 #include "Support/LoopbackWeb.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <gtest/gtest.h>
@@ -121,6 +123,22 @@ TEST_F(Session, theTokenFileIsPrivateAndHoldsTheTokenThoughTheKeyringRefuses)
     EXPECT_EQ(QFileInfo(tokenFile()).dir().entryList(QDir::Files), QStringList("companion.jwt"));
     open();
     EXPECT_TRUE(session->signedIn());
+
+    EXPECT_TRUE(QFile::remove(tokenFile()));
+    QDir().mkpath(tokenFile() + "/in the way");
+    const LogCapture logs;
+    session->setAuth("d.e.f", "d");
+    EXPECT_EQ(session->token(), "d.e.f") << "the session lives without its file";
+    EXPECT_EQ(logs.lines(), QStringList("SessionStore: " + tokenFile() + " could not be written"));
+}
+
+TEST_F(Session, theAddressOfTheServiceMayEndWithSlashes)
+{
+    answerWell();
+    defaults.setText("nimb.apiBaseUrl", web.base() + "//");
+    signIn();
+    EXPECT_TRUE(session->signedIn());
+    EXPECT_EQ(web.paths(), QStringList({ loginPath, handshakePath, exchangePath }));
 }
 
 TEST_F(Session, aKeptTokenIsTakenUpAtStartAndItsFileMadeAgain)
@@ -194,6 +212,12 @@ TEST_F(Session, bytesThatAreNoHttpAndBrokenAnswersFailInTheWordsOfTheTransport)
         EXPECT_FALSE(session->signedIn());
     }
     EXPECT_EQ(web.paths().count(handshakePath), 0);
+    for (const QString& path : { handshakePath, exchangePath }) {
+        answerWell();
+        web.answer(path, { "" });
+        EXPECT_EQ(lastErrorAfterSignIn(), "Connection closed") << qPrintable(path);
+        EXPECT_FALSE(session->signedIn());
+    }
 }
 
 TEST_F(Session, aServiceThatNeverAnswersEndsAfterAMinute)

@@ -3,6 +3,7 @@
 #include "Support/WebTest.h"
 #include "Web/IngestBodies.h"
 
+#include <QFile>
 #include <QJsonArray>
 
 namespace corvane {
@@ -103,6 +104,7 @@ TEST_F(SyncClientTest, everyFailureEndsTheRunInItsWordsAndTheNextOneGoesOn)
         { "accounts=redirect", "Sync error: accounts -> HTTP 302", "error" },
         { "chats=404", "Web Corvane ingest not live yet (chats 404)", "waiting_for_web" },
         { "chats=500", "Sync error: chats -> HTTP 500", "error" },
+        { "chats=nonsense", "Sync error: chats -> HTTP 200", "error" },
         { "chats=half", "Sync error: Connection closed", "error" },
         { "messages=501", "Web message ingest not live yet (501)", "waiting_for_web" },
         { "messages=401x1+1", "Sync error: messages -> HTTP 401", "error" },
@@ -179,6 +181,58 @@ TEST_F(SyncClientTest, anotherProgramThatKeepsTheDatabaseIsWaitedForInVain)
     other.exec("BEGIN IMMEDIATE;");
     EXPECT_EQ(push(), "Sync error: The progress of the push could not be saved.");
     other.exec("COMMIT;");
+    EXPECT_EQ(push(), "Synced 1 chat to the web");
+    EXPECT_EQ(web.counts(), "1 1 1");
+}
+
+TEST_F(SyncClientTest, aNewServiceOrWorkspaceIsLookedAtAnew)
+{
+    addChat("1", "shop", 2);
+    m_centre.post(notifications::activeWorkspaceChanged);
+    EXPECT_FALSE(client->isLookingUp()) << "nobody has looked yet";
+    EXPECT_EQ(push(), "Synced 1 chat to the web");
+    EXPECT_EQ(client->progress().messages, 2);
+    EXPECT_TRUE(review().threads.isEmpty());
+    m_centre.post(notifications::activeWorkspaceChanged);
+    EXPECT_TRUE(client->isLookingUp());
+    EXPECT_TRUE(await([this] { return !client->isLookingUp(); }));
+
+    OtherProcess other(path());
+    other.exec("BEGIN IMMEDIATE;");
+    client->startOver();
+    EXPECT_EQ(client->statusLine(), "Sync error: Another program is writing to the database. Try again.");
+    EXPECT_TRUE(client->isApproved()) << "all or nothing";
+    other.exec("COMMIT;");
+
+    m_defaults.setText("nimb.corvaneBase", "/other");
+    EXPECT_FALSE(client->isApproved());
+    EXPECT_EQ(review().threads.size(), 1) << "nothing has been pushed to another service yet";
+    EXPECT_EQ(cursors(), "");
+    EXPECT_EQ(client->statusLine(), "Not synced yet");
+    m_defaults.remove("nimb.corvaneBase");
+    EXPECT_FALSE(client->isApproved());
+}
+
+TEST_F(SyncClientTest, whatCannotBeReadIsSaid)
+{
+    addChat("1", "shop", 1);
+    m_db->exec("ALTER TABLE cloud_sync_cursor RENAME TO away;");
+    EXPECT_EQ(push(), "Sync error: The messages could not be read (SQLite says 1).");
+    EXPECT_EQ(health(), "error|The messages could not be read (SQLite says 1).");
+    client->lookUp();
+    EXPECT_TRUE(await([this] { return !client->isLookingUp(); }));
+    EXPECT_FALSE(client->review());
+    QString error;
+    QObject::connect(
+        client.get(), &SyncClient::dryRunWritten, [&](const QString&, const QString& words) { error = words; });
+    client->writeDryRun(m_home.path("dry.txt"));
+    EXPECT_TRUE(client->isWriting());
+    client->writeDryRun(m_home.path("other.txt"));
+    EXPECT_TRUE(await([&] { return !error.isEmpty(); }));
+    EXPECT_EQ(error, "The messages could not be read (SQLite says 1).");
+    EXPECT_FALSE(client->isWriting());
+    EXPECT_FALSE(QFile::exists(m_home.path("dry.txt")) || QFile::exists(m_home.path("other.txt")));
+    m_db->exec("ALTER TABLE away RENAME TO cloud_sync_cursor;");
     EXPECT_EQ(push(), "Synced 1 chat to the web");
     EXPECT_EQ(web.counts(), "1 1 1");
 }
