@@ -1,17 +1,23 @@
 #include "Care/Backup/BackupKeeper.h"
+#include "Care/Backup/ProfileFiles.h"
 #include "Care/Backup/Restore.h"
 #include "Care/Backup/Secrets.h"
 #include "Engines/AccountStore.h"
 #include "Foundation/BackgroundQueue.h"
 #include "Platform/PrivateFile.h"
 #include "Platform/ProfileLock.h"
+#include "Platform/SecretFile.h"
 #include "Store/Approvals/ApprovalRecords.h"
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeKeyring.h"
 #include "Support/StoreTest.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
+#include <QSignalSpy>
+#include <QThread>
+#include <QTimer>
 #include <archive.h>
 #include <archive_entry.h>
 
@@ -58,6 +64,19 @@ protected:
     Result<Restored> restore(const AppPaths& paths, bool replace = false, const std::optional<QString>& passphrase = {})
     {
         return restoreBackup(paths, { file(), passphrase, replace }, m_clock, progress);
+    }
+
+    /// A backup with these files, as another program might make it.
+    void craft(const QMap<QString, QByteArray>& files)
+    {
+        QFile to(file());
+        ASSERT_TRUE(to.open(QIODevice::WriteOnly));
+        ArchiveWriter writer(to);
+        Manifest manifest;
+        for (auto each = files.begin(); each != files.end(); ++each)
+            manifest.files.insert(each.key(), writer.add(each.key(), each.value()).value());
+        EXPECT_TRUE(writer.add(backupNames::manifest, manifestText(manifest)));
+        EXPECT_TRUE(writer.finish());
     }
 
     AppPaths elsewhere()
@@ -180,6 +199,136 @@ TEST_F(Backups, whatIsDamagedOrLeadsElsewhereIsRefused)
     EXPECT_EQ(messageOf(backUp()), "Stopped.");
     QFile(file()).open(QIODevice::ReadOnly);
     EXPECT_EQ(m_home.read("shop.tar").size(), content.size()); // the previous backup is kept
+}
+
+TEST_F(Backups, whatIsThereAlreadyIsKeptUnderAnotherName)
+{
+    m_home.write("share/Corvane/companion.jwt", "session");
+    const Keyring::Secrets none;
+    ASSERT_TRUE(backUp(u"tiles"_s, &none));
+    const AppPaths other = elsewhere();
+    m_home.write("other/home/.whatsapp-baileys/shop/creds.json", "newer");
+    m_home.write("other/config/Corvane/defaults.ini", "[old]");
+    const auto first = restore(other, false, u"tiles"_s);
+    ASSERT_TRUE(first) << qPrintable(messageOf(first));
+    EXPECT_EQ(first->aside, "");
+    EXPECT_EQ(first->leftAlone, QStringList { other.home + u"/.whatsapp-baileys/shop"_s });
+    EXPECT_EQ(m_home.read("other/home/.whatsapp-baileys/shop/creds.json"), "newer");
+    EXPECT_EQ(m_home.read("other/config/Corvane/defaults.ini.before-restore"), "[old]");
+    EXPECT_EQ(m_home.read("other/data/Corvane/companion.jwt"), "session");
+    m_home.write("other/data/Corvane/media/shop/a.jpg", "of the first");
+    ASSERT_TRUE(backUp());
+    EXPECT_EQ(restore(other, true).value().aside, other.applicationSupport + u".before-restore"_s);
+    EXPECT_EQ(m_home.read("other/data/Corvane.before-restore/media/shop/a.jpg"), "of the first");
+    EXPECT_EQ(restore(other, true).value().aside, other.applicationSupport + u".before-restore-2"_s);
+    EXPECT_EQ(m_home.read("other/data/Corvane/media/shop/a.jpg"), "picture");
+
+    EXPECT_EQ(messageOf(restoreDatabase(m_home.path(u"none.tar"_s), m_home.path(u"new.db"_s), other, m_clock)),
+        u"There is no file %1."_s.arg(m_home.path(u"none.tar"_s)));
+    EXPECT_EQ(messageOf(restoreDatabase(file(), m_home.path(u"new.db"_s), other, m_clock)), "it worked");
+    m_db = std::make_unique<LocalDB>(m_home.path(u"new.db"_s), LocalDB::SchemaFolders { other.resources, other.home },
+        m_clock, m_defaults, m_centre);
+    EXPECT_EQ(cell(u"SELECT media_path FROM unified_message"_s), other.applicationSupport + u"/media/shop/a.jpg"_s);
+    EXPECT_EQ(cell(u"SELECT status FROM outbound_draft WHERE id='sending'"_s), u"failed"_s);
+}
+
+TEST_F(Backups, whatABackupLacksIsNotNeededAndWhatIsForeignIsLeftOut)
+{
+    const AppPaths other = elsewhere();
+    craft({ { u"data/accounts.json"_s, "[{" } });
+    EXPECT_EQ(messageOf(restore(other)), "The accounts of the backup cannot be read.");
+    EXPECT_FALSE(QFileInfo::exists(other.applicationSupport + u"/accounts.json"_s));
+    craft({ { u"data/note"_s, "n" }, { u"secrets/home/.ssh/shop/id"_s, "key" } });
+    const auto restored = restore(other);
+    ASSERT_TRUE(restored) << qPrintable(messageOf(restored));
+    EXPECT_EQ(restored->leftAlone, QStringList { other.home + u"/.ssh/shop"_s });
+    EXPECT_FALSE(QFileInfo::exists(other.home + u"/.ssh"_s));
+    EXPECT_EQ(m_home.read("other/data/Corvane/note"), "n");
+    EXPECT_FALSE(QFileInfo::exists(other.defaultsFile));
+    EXPECT_FALSE(QFileInfo::exists(other.database()));
+    EXPECT_FALSE(QFileInfo::exists(other.secretsFile()));
+}
+
+TEST_F(Backups, whatCanBeMadeAgainIsLeftOut)
+{
+    for (const char* name :
+        { "secrets/x", "backups/x", "outbox/picked/x", "outbox/sent", "BrowserQA/InteractiveProfile/x", "instance.lock",
+            "nimblocal.db.damaged", "companion.jwt", "log/nimblocal.db" })
+        m_home.write("share/Corvane/"_L1 + QLatin1String(name), "x");
+    const auto names = [&](bool media, bool secrets) {
+        QStringList names;
+        for (const ProfileFile& file : profileFiles(m_home.paths(), media, secrets))
+            names.append(file.name);
+        return names;
+    };
+    const QStringList own { u"data/accounts.json"_s, u"data/log/nimblocal.db"_s, u"data/outbox/sent"_s };
+    const QStringList settings { u"settings/defaults.ini"_s };
+    const QStringList media { u"data/media/shop/a.jpg"_s };
+    EXPECT_EQ(names(false, false), own + settings);
+    EXPECT_EQ(names(true, true),
+        own.first(2) + media + own.last(1)
+            + QStringList({ u"secrets/companion.jwt"_s, u"secrets/home/.whatsapp-baileys/shop/creds.json"_s })
+            + settings);
+    m_home.write(".whatsapp-baileys/other/creds.json", "of another profile");
+    QFile::remove(m_home.paths().defaultsFile);
+    QFile::remove(data(u"companion.jwt"_s));
+    QFile::remove(data(u"accounts.json"_s));
+    EXPECT_EQ(names(false, true), own.last(2));
+}
+
+TEST_F(Backups, passwordsAreReadFromTheirFileAndTheKeyring)
+{
+    using Where = SecretPlace::Where;
+    SecretFile(m_home.paths().secretsFile())
+        .write({ { u"kept"_s, { Where::Keyring, {} } }, { u"moved"_s, { Where::File, u"file"_s } },
+            { u"removed"_s, { Where::Nowhere, {} } }, { u"own"_s, { Where::File, u"own"_s } } });
+    FakeKeyring keyring;
+    keyring.values = { { u"kept"_s, u"ring"_s }, { u"moved"_s, u"ring"_s }, { u"removed"_s, u"ring"_s } };
+    keyring.silent = true;
+    QTimer::singleShot(0, [&] { keyring.speak(); });
+    EXPECT_EQ(readSecrets(m_home.paths(), keyring).value(),
+        (Keyring::Secrets { { u"kept"_s, u"ring"_s }, { u"moved"_s, u"file"_s }, { u"own"_s, u"own"_s } }));
+    EXPECT_EQ(keyring.asked, 1);
+    keyring.failure = Keyring::Failure::Absent;
+    EXPECT_EQ(readSecrets(m_home.paths(), keyring).value(),
+        (Keyring::Secrets { { u"moved"_s, u"file"_s }, { u"own"_s, u"own"_s } }));
+    keyring.failure = Keyring::Failure::Locked;
+    EXPECT_EQ(messageOf(readSecrets(m_home.paths(), keyring)),
+        "The keyring is locked or does not answer. Unlock it and try again.");
+}
+
+TEST_F(Backups, itsProgressIsToldWhileItIsMade)
+{
+    BackgroundQueue background;
+    FakeDesktop desktop;
+    BackupKeeper keeper({ m_home.paths(), m_defaults, m_clock, background, desktop });
+    const QSignalSpy changed(&keeper, &BackupKeeper::changed);
+    const QSignalSpy progressed(&keeper, &BackupKeeper::progressed);
+    keeper.setMedia(false);
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_FALSE(keeper.media());
+    keeper.setDaily(true);
+    EXPECT_EQ(changed.count(), 3) << "the setting, and the first one begins";
+    keeper.backUpNow();
+    EXPECT_EQ(changed.count(), 3) << "one at a time";
+    const QDeadlineTimer limit(60'000);
+    while (keeper.progress() == 0 && !limit.hasExpired()) // without its end, which comes through the event loop
+        QThread::yieldCurrentThread();
+    EXPECT_GT(keeper.progress(), 0);
+    EXPECT_LE(keeper.progress(), 1);
+    EXPECT_TRUE(keeper.progressText().contains(" of "_L1)) << qPrintable(keeper.progressText());
+    m_clock.advance(Milliseconds(200));
+    EXPECT_EQ(progressed.count(), 1);
+    ASSERT_TRUE(await([&] { return !keeper.busy(); }));
+    EXPECT_EQ(changed.count(), 4);
+    EXPECT_EQ(keeper.progress(), 0);
+    m_clock.advance(Milliseconds(200));
+    EXPECT_EQ(progressed.count(), 1);
+    EXPECT_TRUE(backsUpDaily(m_defaults));
+    EXPECT_EQ(keptBackups(keeper.folder()).first().madeAtMs, 1'760'000'000'000);
+    desktop.chosen = QList<QUrl> { QUrl::fromLocalFile(m_home.path(u"safe"_s)) };
+    keeper.chooseFolder();
+    EXPECT_EQ(changed.count(), 5);
 }
 
 TEST_F(Backups, oneADayIsMadeAndSevenAreKept)

@@ -3,7 +3,8 @@
 #include "Store/Messages/IngestQueries.h"
 #include "Support/StoreTest.h"
 
-#include <QBuffer>
+#include <QCryptographicHash>
+#include <QDir>
 
 using namespace corvane;
 
@@ -80,8 +81,8 @@ TEST_F(Exchange, whatIsExportedIsReadBackTheSame)
     ASSERT_TRUE(imported) << qPrintable(imported.error().message);
     EXPECT_EQ(*imported, *exported);
     EXPECT_EQ(table(u"SELECT id, body, ts FROM unified_message"_s), before);
-    m_home.write("export/deals.jsonl", "{\"id\":\"new\",\"name\":\"N\"}\n{broken\n");
-    EXPECT_EQ(importFolder(*m_db, folder).error().message, "Line 2 of deals.jsonl is not a JSON object.");
+    m_home.write("export/deals.jsonl", "{\"id\":\"new\",\"name\":\"N\"}\n\n{broken\n");
+    EXPECT_EQ(importFolder(*m_db, folder).error().message, "Line 3 of deals.jsonl is not a JSON object.");
     EXPECT_EQ(cell(u"SELECT COUNT(*) FROM crm_deal"_s), u"1"_s);
 }
 
@@ -89,10 +90,84 @@ TEST_F(Exchange, cardsBecomePeopleByAddressAndNumber)
 {
     m_home.write("p.vcf",
         "BEGIN:VCARD\r\nVERSION:4.0\r\nFN:Ana Ruiz\r\nN:Ruiz;Ana;;;\r\nEMAIL;TYPE=work:ana@example.org\r\n"
-        "TEL:+34 600\r\nEND:VCARD\r\n");
-    EXPECT_EQ(importCards(*m_db, m_home.path(u"p.vcf"_s))->value(u"people"_s), 2);
+        "TEL:+34 600\r\nEND:VCARD\r\nBEGIN:VCARD\r\nVERSION:4.0\r\nORG:Kiln Ltd\r\nEMAIL:k@x\r\n"
+        "END:VCARD\r\nBEGIN:VCARD\r\nVERSION:4.0\r\nEMAIL:z@x\r\nEND:VCARD\r\n");
+    EXPECT_EQ(importCards(*m_db, m_home.path(u"p.vcf"_s))->value(u"people"_s), 4);
     EXPECT_EQ(importCards(*m_db, m_home.path(u"p.vcf"_s))->value(u"people"_s), 0);
     EXPECT_EQ(table(u"SELECT display_name, channel, handle FROM contact_identity i JOIN contact c ON c.id=i.contact_id "
-                    "ORDER BY channel"_s),
-        QStringList({ u"Ana Ruiz|EMAIL|ana@example.org"_s, u"Ana Ruiz|SMS|+34 600"_s }));
+                    "ORDER BY channel, handle"_s),
+        QStringList({ u"Ana Ruiz|EMAIL|ana@example.org"_s, u"Kiln Ltd|EMAIL|k@x"_s, u"z@x|EMAIL|z@x"_s,
+            u"Ana Ruiz|SMS|+34 600"_s }));
+}
+
+TEST_F(Exchange, whatCannotBeReadIsNamed)
+{
+    const QString none = m_home.path(u"none"_s);
+    EXPECT_EQ(importFolder(*m_db, none).error().message, u"%1 is not an export."_s.arg(none));
+    EXPECT_EQ(importMails(*m_db, none, u"a"_s, {}).error().message, u"There is no file %1."_s.arg(none));
+    EXPECT_EQ(importCards(*m_db, none).error().message, u"There is no file %1."_s.arg(none));
+    const auto stopped = std::make_shared<std::atomic<bool>>(false);
+    EXPECT_EQ(exportProfile(m_home.paths(), none + u"/in"_s, stopped).error().message,
+        u"The folder %1/in.partial cannot be created."_s.arg(none));
+    AppPaths empty = m_home.paths();
+    empty.applicationSupport = none;
+    EXPECT_EQ(exportProfile(empty, m_home.path(u"export"_s), stopped).error().message,
+        u"There is no database at %1."_s.arg(empty.database()));
+    QFile::link(none, m_home.path(u"link"_s));
+    EXPECT_EQ(exportProfile(m_home.paths(), m_home.path(u"link"_s), stopped).error().message,
+        u"%1 already exists."_s.arg(m_home.path(u"link"_s)));
+    *stopped = true;
+    EXPECT_EQ(exportProfile(m_home.paths(), m_home.path(u"export"_s), stopped).error().message, "Stopped.");
+    EXPECT_FALSE(QFileInfo::exists(m_home.path(u"export.partial"_s)));
+    EXPECT_FALSE(QFileInfo::exists(m_home.path(u"export"_s)));
+}
+
+TEST_F(Exchange, aMailWithoutAnIdIsKnownByItsText)
+{
+    m_home.write("one.eml", "From: Ana <ana@x>\r\n\r\nhi\r\n");
+    m_home.write("own.eml", "From: ME@x\r\nTo: bo@x\r\n\r\nhello\r\n");
+    const auto added = [&](const QString& name) {
+        return importMails(*m_db, m_home.path(name), u"shop"_s, { u"me@x"_s })->value(u"messages"_s);
+    };
+    EXPECT_EQ(added(u"one.eml"_s), 1);
+    EXPECT_EQ(added(u"one.eml"_s), 0);
+    EXPECT_EQ(added(u"own.eml"_s), 1);
+    EXPECT_EQ(table(u"SELECT direction, sender, provider_msg_id FROM unified_message ORDER BY direction"_s).first(),
+        u"IN|Ana|imported:"_s
+            + QString::fromLatin1(
+                QCryptographicHash::hash("From: Ana <ana@x>\r\n\r\nhi\r\n", QCryptographicHash::Sha256).toHex()));
+    EXPECT_EQ(table(u"SELECT external_id, title FROM unified_conversation ORDER BY external_id"_s),
+        QStringList({ u"ana@x|Ana"_s, u"bo@x|bo@x"_s }));
+}
+
+TEST_F(Exchange, mailsAreFilesAndOtherMessagesAreRows)
+{
+    m_home.write("share/Corvane/media/a b.jpg", "picture");
+    const auto store = [&](const QString& channel, const QString& other, const QString& id, bool isOwn) {
+        storeMessage(*m_db, channel, u"sho/p.1"_s,
+            { other, id, u"text"_s, isOwn, 1'793'610'000'000, u"Ana"_s, {}, {}, {}, u"Subject"_s });
+    };
+    store(u"EMAIL"_s, u"ana@x"_s, u"<1@x>"_s, false);
+    store(u"EMAIL"_s, u"ana@x"_s, u"<2@x>"_s, true);
+    store(u"SMS"_s, u"+34 600"_s, u"3"_s, false);
+    m_db->run("UPDATE unified_message SET media_path=? WHERE provider_msg_id LIKE '%2@x%';",
+        { m_home.paths().applicationSupport + u"/media/a b.jpg"_s });
+    m_db->run("INSERT INTO crm_task(id, title, due) VALUES('t','',12.5);");
+    const auto exported
+        = exportProfile(m_home.paths(), m_home.path(u"export"_s), std::make_shared<std::atomic<bool>>(false));
+    ASSERT_TRUE(exported) << qPrintable(exported.error().message);
+    EXPECT_EQ(exported->value(u"messages"_s), 3);
+    const QStringList mails = QDir(m_home.path(u"export/mail/sho_p_1"_s)).entryList(QDir::Files);
+    EXPECT_EQ(mails, QStringList({ u"0000001.eml"_s, u"0000002.eml"_s }));
+    const QByteArray in = m_home.read("export/mail/sho_p_1/0000001.eml");
+    EXPECT_TRUE(in.startsWith("From: ana@x\r\nTo: sho/p.1\r\nSubject: Subject\r\n")) << in.constData();
+    EXPECT_FALSE(in.contains("attachment"));
+    const QByteArray out = m_home.read("export/mail/sho_p_1/0000002.eml");
+    EXPECT_TRUE(out.startsWith("From: sho/p.1\r\nTo: ana@x\r\n")) << out.constData();
+    EXPECT_TRUE(out.contains("filename*=UTF-8''a%20b.jpg\r\n\r\ncGljdHVyZQ==\r\n"));
+    const QByteArray cards = m_home.read("export/contacts.vcf");
+    EXPECT_TRUE(cards.contains("\r\nX-CORVANE-HANDLE:email:ana@x\r\n")) << cards.constData();
+    EXPECT_TRUE(cards.contains("\r\nX-CORVANE-HANDLE:sms:+34 600\r\n")) << cards.constData();
+    EXPECT_EQ(cards.count("BEGIN:VCARD"), 2);
+    EXPECT_EQ(m_home.read("export/mail/sho_p_1/0000003.eml"), "");
 }
