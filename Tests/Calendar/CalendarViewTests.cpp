@@ -1,11 +1,8 @@
 #include "Calendar/CalendarView.h"
 #include "Foundation/Literals.h"
 
-#include "Calendar/CalendarServices.h"
-#include "Calendar/CalendarTest.h"
+#include "Calendar/CalendarPage.h"
 #include "Calendar/UpcomingMeetings.h"
-#include "Support/FakeDesktop.h"
-#include "Support/FakeLanguageModel.h"
 
 namespace corvane {
 
@@ -60,27 +57,76 @@ TEST(CalendarLayout, eventsAtTheSameTimeShareTheColumnAndTheHoursHoldThemAll)
     EXPECT_TRUE(layout.days.first().today);
 }
 
-class CalendarPage : public CalendarTest {
-protected:
-    CalendarStore::Surroundings surroundings()
-    {
-        return { *m_db, *m_source, m_background, m_clock, m_defaults, m_centre, {} };
-    }
-    bool awaitShown(const char* titles)
-    {
-        return await([&] {
-            m_clock.advance(Milliseconds(250));
-            QStringList shown;
-            for (const EventBlock& block : view.tiles()->layout().blocks)
-                shown.append(block.title);
-            return shown.join(u',') == QString::fromLatin1(titles);
-        });
-    }
+TEST(CalendarLayout, aTileTellsItsEvent)
+{
+    CalEvent call = event("Call", "2026-10-08 09:10", "2026-10-08 10:00");
+    call.calendar = u"Work"_s;
+    call.notes = u"https://zoom.us/1"_s;
+    call.attendeeDetails = { { u"Me"_s, {}, true, true }, { u"Ana"_s, {}, false, false } };
+    const auto tileAt = [&](const char* now) {
+        return calendarLayout({ call }, QDate(2026, 10, 8), 1, at(now), { { u"Work"_s, u"#112233"_s } }).blocks.first();
+    };
+    const EventBlock tile = tileAt("2026-10-08 09:00");
+    EXPECT_EQ(tile.id + u'|' + tile.title + u'|' + tile.timeText + u'|' + tile.colour + u'|' + tile.place,
+        "Call|Call|09:10–10:00|#112233|0");
+    EXPECT_EQ(tile.spoken, "Call, Thu 8 Oct, 09:10–10:00, Work");
+    EXPECT_TRUE(tile.joinable && tile.declined && !tile.past);
+    EXPECT_FALSE(tileAt("2026-10-08 08:59").joinable);
+    EXPECT_TRUE(tileAt("2026-10-08 09:59").joinable);
+    EXPECT_FALSE(tileAt("2026-10-08 10:00").joinable);
+    EXPECT_FALSE(tileAt("2026-10-08 10:00").past);
+    EXPECT_TRUE(tileAt("2026-10-08 10:01").past);
+    call.attendeeDetails = { { u"Me"_s, {}, true, false }, { u"Ana"_s, {}, false, true } };
+    EXPECT_FALSE(tileAt("2026-10-08 09:00").declined) << "somebody else";
+    call.allDay = true;
+    EXPECT_FALSE(isJoinable(call, at("2026-10-08 09:30")));
+    call.allDay = false;
+    call.notes.clear();
+    EXPECT_FALSE(isJoinable(call, at("2026-10-08 09:30")));
 
-    FakeDesktop desktop;
-    FakeLumo lumo { m_clock };
-    CalendarServices services { surroundings(), lumo };
-    CalendarView view { { services.store, services.commands, services.prep, desktop, m_centre } };
+    const qint64 now = at("2026-10-08 09:00");
+    EXPECT_EQ(whenText(event("", "2026-10-08 10:00", "2026-10-08 10:00"), now), "Thu 8 Oct, 10:00");
+    EXPECT_EQ(whenText(event("", "2026-10-08 23:00", "2026-10-09 01:00"), now), "Thu 8 Oct, 23:00 – Fri 9 Oct, 01:00");
+    EXPECT_EQ(whenText(event("", "2026-10-08 00:00", "2026-10-09 00:00", true), now), "Thu 8 Oct, all day");
+    EXPECT_EQ(whenText(event("", "2026-10-08 00:00", "2026-10-10 00:00", true), now), "Thu 8 Oct – Fri 9 Oct");
+}
+
+TEST(CalendarLayout, rowsAndGapsAreUsedAgain)
+{
+    const CalendarLayout layout = calendarLayout(
+        { event("Mon", "2026-10-05 00:00", "2026-10-06 00:00", true),
+            event("Both", "2026-10-05 00:00", "2026-10-07 00:00", true),
+            event("Tue", "2026-10-06 00:00", "2026-10-07 00:00", true),
+            event("A", "2026-10-06 10:00", "2026-10-06 11:00"), event("B", "2026-10-06 11:30", "2026-10-06 12:00"),
+            event("C", "2026-10-06 12:29", "2026-10-06 13:00"), event("D", "2026-10-06 15:00", "2026-10-06 16:00"),
+            event("E", "2026-10-05 10:00", "2026-10-05 11:00"), event("F", "2026-10-05 13:00", "2026-10-05 14:00") },
+        QDate(2026, 10, 5), 2, at("2026-10-06 09:00"), {});
+    EXPECT_EQ(placed(layout.allDay), QStringList({ u"Mon 0 0 0 0/1"_s, u"Both 0 0 0 1/1"_s, u"Tue 1 0 0 0/1"_s }));
+    EXPECT_EQ(layout.allDayRows, 2);
+    EXPECT_EQ(layout.allDay.last().place, "2");
+    EXPECT_EQ(layout.allDay[1].days, 2);
+    EXPECT_EQ(layout.firstHour, 8);
+    EXPECT_EQ(layout.lastHour, 18);
+    QStringList gaps;
+    for (const FreeGap& gap : layout.gaps)
+        gaps.append(u"%1 %2 %3 %4"_s.arg(gap.text).arg(gap.day).arg(gap.top).arg(gap.height));
+    EXPECT_EQ(gaps, QStringList({ u"30 min free 1 3 0.5"_s, u"2 h free 1 5 2"_s })) << "not of a past day";
+    EXPECT_EQ(layout.days.last(), (DayHead { u"Tue"_s, u"6"_s, true }));
+    EXPECT_FALSE(layout.days.first().today);
+    const CalendarLayout late = calendarLayout({ event("Late", "2026-10-05 23:50", "2026-10-05 23:55"),
+                                                   event("Dawn", "2026-10-05 00:00", "2026-10-05 18:01") },
+        QDate(2026, 10, 5), 1, at("2026-10-05 09:00"), {});
+    EXPECT_EQ(late.firstHour, 0);
+    EXPECT_EQ(late.lastHour, 24);
+    EXPECT_EQ(placed(late.blocks).last(), "Late 0 23.6 0.4 0/1") << "within the day";
+}
+
+class CalendarPage : public CalendarPageOn {
+protected:
+    CalendarPage()
+        : CalendarPageOn(true)
+    {
+    }
 };
 
 TEST_F(CalendarPage, aPersonConnectsMakesACalendarAddsAnEventJoinsAndMovesOn)
@@ -124,6 +170,7 @@ TEST_F(CalendarPage, aPersonConnectsMakesACalendarAddsAnEventJoinsAndMovesOn)
     view.selectNext(1);
     EXPECT_EQ(view.card().title, u"Call"_s);
 
+    EXPECT_EQ(view.title(), u"5 – 11 October 2026"_s);
     UpcomingMeetings meetings({ services.store, services.prep, desktop, m_centre });
     ASSERT_EQ(meetings.lines().size(), 1);
     EXPECT_TRUE(meetings.headline().startsWith(u"Next meeting in "_s));
