@@ -299,6 +299,79 @@ TEST_F(CallsViewTest, theRecordingSaysWhatRunsAndWhyItDoesNot)
     EXPECT_FALSE(recording.beganByItself());
 }
 
+TEST_F(CallsViewTest, theSoundShowsItsMarksAndPlaysFromThere)
+{
+    recorder->setSystemAudioEnabled(true);
+    lumo.model.willAnswer(u"Summary: Ship."_s);
+    start("Weekly");
+    const QString id = recorder->activeCallId();
+    for (const double at : { 2.5, 30.0 }) {
+        audio.microphone->seconds = at;
+        audio.microphone->loudness = 1;
+        m_clock.advance(Milliseconds(300));
+        recorder->mark();
+    }
+    EXPECT_EQ(sound.noSoundText(), "The sound can be played after the recording.");
+    m_clock.advance(Milliseconds(9400));
+    recorder->stop();
+    m_clock.advance(Milliseconds(200));
+    calls.select(id);
+    EXPECT_TRUE(sound.hasSound());
+    EXPECT_EQ(sound.noSoundText(), "");
+    EXPECT_EQ(sound.markTimes(), QStringList({ "0:02", "0:30" }));
+    const double all = double(player.durationMs());
+    EXPECT_EQ(all, 10'000);
+    EXPECT_EQ(sound.marks(), QList<double>({ 0.25, 1 })) << "no mark is beyond the end";
+    EXPECT_EQ(sound.microphoneBars().size(), 240);
+    EXPECT_EQ(sound.systemBars().size(), 240);
+    EXPECT_EQ(sound.microphoneBars().last(), 1);
+    sound.playMark(-1);
+    sound.playMark(2);
+    EXPECT_EQ(player.state(), "idle");
+    sound.playMark(0);
+    EXPECT_EQ(player.state() + player.positionText(), "playing0:02");
+    transcript.playTurn(-1);
+    transcript.playTurn(3);
+    EXPECT_EQ(player.positionText(), "0:02");
+    transcript.playTurn(1);
+    EXPECT_EQ(player.positionText(), "0:05");
+    calls.select({});
+    EXPECT_EQ(sound.noSoundText(), "") << "no call is shown";
+    EXPECT_TRUE(sound.marks().isEmpty());
+}
+
+TEST_F(CallsViewTest, aSummaryIsAskedForBeforeItLeavesTheComputer)
+{
+    const QString id = record("Weekly");
+    calls.select(id);
+    EXPECT_FALSE(processing.asksCodex());
+    const auto notReady = [&](const QString& status, const QString& error) {
+        m_db->run("UPDATE call_recording SET processing_status=?, processing_error=?;", { status, error });
+        recorded->refresh();
+        m_clock.advance(Milliseconds(200));
+        return processing.asksCodex();
+    };
+    const QString waits = "Summary not ready: Corvane may not send transcripts to the Codex CLI yet.";
+    EXPECT_FALSE(notReady("failed", waits));
+    EXPECT_FALSE(notReady("transcribed", "Summary not ready."));
+    EXPECT_TRUE(notReady("transcribed", waits));
+    EXPECT_TRUE(processing.codexQuestion().startsWith("No model runs on this computer."));
+    const QSignalSpy refused(&processing, &CallProcessing::refused);
+    processing.answerCodex(false);
+    EXPECT_EQ(refused.count(), 1);
+    EXPECT_EQ(summarizer->codexAllowed(), false);
+    EXPECT_EQ(rows(),
+        QStringList("Weekly|transcribed|Summary not ready: Corvane may not send transcripts to the Codex CLI."));
+    m_clock.advance(Milliseconds(200));
+    EXPECT_FALSE(processing.asksCodex());
+    lumo.model.willAnswer(u"Summary: Again."_s);
+    processing.answerCodex(true);
+    EXPECT_EQ(summarizer->codexAllowed(), true);
+    EXPECT_EQ(refused.count(), 1);
+    EXPECT_EQ(cell("SELECT processing_status FROM call_recording;"), "ready");
+    EXPECT_EQ(cell("SELECT summary FROM call_summary;"), "Summary: Again.");
+}
+
 TEST(CallPlayers, bothSidesStayTogetherAndOneIsAlwaysHeard)
 {
     FakeAudioPlayer mine;

@@ -97,10 +97,7 @@ QStringList splitAfterSentenceTerminators(const QString& text)
 
 QStringList splitBySentences(const QString& text, int maxCharacters)
 {
-    const QStringList sentences = splitAfterSentenceTerminators(text);
-    if (sentences.size() < 2)
-        return splitByWords(text, maxCharacters);
-    return pack(sentences, u" "_s, maxCharacters, splitByWords);
+    return pack(splitAfterSentenceTerminators(text), u" "_s, maxCharacters, splitByWords);
 }
 
 QStringList splitLongTurn(const QString& turn, int maxCharacters)
