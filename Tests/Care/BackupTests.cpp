@@ -13,11 +13,12 @@
 #include "Support/FakeKeyring.h"
 #include "Support/StoreTest.h"
 
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QSignalSpy>
 #include <QThread>
-#include <QTimer>
+
 #include <archive.h>
 #include <archive_entry.h>
 
@@ -285,7 +286,7 @@ TEST_F(Backups, passwordsAreReadFromTheirFileAndTheKeyring)
     FakeKeyring keyring;
     keyring.values = { { u"kept"_s, u"ring"_s }, { u"moved"_s, u"ring"_s }, { u"removed"_s, u"ring"_s } };
     keyring.silent = true;
-    QTimer::singleShot(0, [&] { keyring.speak(); });
+    QMetaObject::invokeMethod(qApp, [&] { keyring.speak(); }, Qt::QueuedConnection);
     EXPECT_EQ(readSecrets(m_home.paths(), keyring).value(),
         (Keyring::Secrets { { u"kept"_s, u"ring"_s }, { u"moved"_s, u"file"_s }, { u"own"_s, u"own"_s } }));
     EXPECT_EQ(keyring.asked, 1);
