@@ -4,6 +4,8 @@
 #include "Calendar/CalendarTest.h"
 #include "Support/WaitingItems.h"
 
+#include <QSignalSpy>
+
 namespace corvane {
 
 namespace {
@@ -75,6 +77,75 @@ TEST_F(AgentEvents, waitForAWordWhereThePersonWantsIt)
     commands->processPendingCommands();
     EXPECT_TRUE(commands->waiting().isEmpty()) << "a proposal that was applied is not asked about again";
     EXPECT_TRUE(awaitEvents({ u"Two"_s, u"Three"_s }));
+}
+
+TEST_F(AgentEvents, severalAreOneOfferAndOneThatChangedSinceStays)
+{
+    const QSignalSpy changed(commands.get(), &CalendarCommands::changed);
+    ask("c1", "One", "2026-10-09 12:00", "2026-10-09 12:00", "work");
+    ask("c2", "Two", "2026-10-10 12:00", "2026-10-10 13:00");
+    commands->processPendingCommands();
+    commands->processPendingCommands();
+    EXPECT_TRUE(await([&] { return !commands->undoText().isEmpty(); }));
+    EXPECT_EQ(commands->undoText(), "2 events were added for agents.");
+    EXPECT_GT(changed.count(), 0);
+    EXPECT_TRUE(awaitEvents({ u"One"_s, u"Two"_s }));
+    const QString file = QDir(m_folder).entryList({ u"*c2*"_s }, QDir::Files).value(0);
+    QFile changedSince(m_folder + file);
+    ASSERT_TRUE(changedSince.open(QIODevice::ReadWrite));
+    QByteArray content = changedSince.readAll();
+    content.replace("SUMMARY:Two", "SUMMARY:Too");
+    changedSince.seek(0);
+    changedSince.write(content);
+    changedSince.close();
+    commands->undo();
+    EXPECT_EQ(commands->undoText(), "");
+    EXPECT_TRUE(awaitRow("c1|failed|Undone.;c2|done|-"));
+    EXPECT_TRUE(awaitEvents({ u"Too"_s }));
+}
+
+TEST_F(AgentEvents, eachNamesItsCalendarItsTextAndItsPlace)
+{
+    QDir().mkpath(m_folder + u"../home"_s);
+    m_store->refresh();
+    ASSERT_TRUE(await([&] { return m_store->calendars().size() == 2; }));
+    ask("c1", " Lunch  with\nAna ", "2026-10-09 12:00", "2026-10-09 13:00", "home");
+    m_db->run(u"UPDATE calendar_command SET notes='bring tea', location='Kiln';"_s);
+    commands->processPendingCommands();
+    ASSERT_TRUE(awaitRow("c1|done|-"));
+    EXPECT_EQ(commands->undoText(), u"“Lunch with Ana” was added: 9 Oct 2026, 12:00."_s);
+    ASSERT_TRUE(await([&] { return m_store->events().size() == 1; }));
+    const CalEvent& event = m_store->events().first();
+    EXPECT_EQ(event.calendar + u'|' + event.location + u'|' + event.notes, "home|Kiln|bring tea");
+    commands->dismiss();
+    EXPECT_EQ(commands->undoText(), "");
+    EXPECT_EQ(cell(u"SELECT status FROM calendar_command;"_s), "done");
+    m_db->run(u"UPDATE calendar_command SET status='pending', start_ms=0, end_ms=0;"_s);
+    commands->processPendingCommands();
+    EXPECT_TRUE(awaitRow("c1|failed|The event has no time, or ends before it starts."));
+}
+
+TEST_F(AgentEvents, nothingIsDecidedWithoutACalendar)
+{
+    commands->setAgentsMayAdd(false);
+    ask("c1", "One", "2026-10-09 12:00", "2026-10-09 13:00");
+    commands->processPendingCommands();
+    ASSERT_EQ(commands->waiting().size(), 1);
+    const QString seen = eventHash(commands->waiting().first());
+    EXPECT_EQ(commands->reject(u"none"_s), Decided::Refused);
+    QDir(m_folder).removeRecursively();
+    m_store->refresh();
+    ASSERT_TRUE(await([&] { return m_store->calendars().isEmpty(); }));
+    EXPECT_EQ(commands->add(u"c1"_s, seen), Decided::Taken);
+    EXPECT_TRUE(awaitRow("c1|failed|There is no calendar for new events."));
+    EXPECT_TRUE(commands->waiting().isEmpty());
+    QDir(m_home.path(u"share/calendars"_s)).removeRecursively();
+    m_store->refresh();
+    EXPECT_EQ(m_store->access(), CalendarStore::Access::Denied);
+    ask("c2", "Two", "2026-10-09 12:00", "2026-10-09 13:00");
+    commands->processPendingCommands();
+    EXPECT_TRUE(commands->waiting().isEmpty());
+    EXPECT_EQ(commands->add(u"c2"_s, seen), Decided::Refused);
 }
 
 }
