@@ -197,7 +197,7 @@ void IcsFile::State::expand(const Series& series, icalrecurrencetype rule, qint6
         next = icalrecur_iterator_next(iterator)) {
         next.zone = series.start.zone;
         const qint64 startMs = msOf(next, local);
-        if (startMs >= toMs || starts.size() > mostInstances || --steps < 0)
+        if (startMs >= toMs || starts.size() >= mostInstances || --steps < 0)
             break;
         if (startMs + length + 2 * daySeconds * second > fromMs)
             starts.insert(startMs, next);
