@@ -144,6 +144,52 @@ TEST_F(EvolutionTest, aCalendarOfTheServiceIsReadWrittenAndFollowed)
     home.write(u"share/calendars/work/s.ics"_s, *file);
     EXPECT_EQ(shown(), days) << "what stands in both shows once";
     EXPECT_EQ(read().entries.first().calendarId, u"work"_s);
+    home.write(u"share/calendars/work/displayname"_s, "Personal");
+    EXPECT_EQ(read().calendars.last().title, u"Personal (Evolution)"_s) << "not mistaken for the folder";
+    const CalendarReading known
+        = calendars.readKnown(m_places, utc("2026-11-01T00:00:00Z"), utc("2026-12-01T00:00:00Z"));
+    EXPECT_EQ(known.calendars.size(), 3);
+    EXPECT_EQ(known.entries, read().entries);
+    EXPECT_EQ(calendars.readKnown({}, 0, 1).calendars.size(), 1);
+}
+
+TEST_F(EvolutionTest, whatTheServiceCannotDoIsSaidInASentence)
+{
+    EXPECT_TRUE(calendars.hasService());
+    EvolutionCalendars service(client);
+    EXPECT_EQ(service.makeCalendar(u"New"_s).error().message, u"Create Evolution's calendars in Evolution."_s);
+    ASSERT_TRUE(calendars.makeCalendar(u"New"_s)) << "in the folder";
+    EXPECT_EQ(read().calendars.value(0).id, u"new"_s);
+
+    EXPECT_EQ(
+        calendars.exported(m_places, personal, u"no \"one\\"_s).error().message, u"The event no longer exists."_s);
+    const auto rubbish = calendars.import(m_places, personal, "BEGIN:VCALENDAR\r\nEND:VCALENDAR\r\n");
+    ASSERT_FALSE(rubbish);
+    EXPECT_EQ(rubbish.error().message, u"There is no event in this file."_s);
+    const QString nowhere = u"evolution:nowhere"_s;
+    EXPECT_FALSE(calendars.add(m_places, nowhere, lunch(u"Lunch"_s)));
+    EXPECT_FALSE(calendars.import(m_places, nowhere, series));
+    EXPECT_FALSE(calendars.exported(m_places, nowhere, u"l@x"_s));
+
+    ASSERT_TRUE(calendars.add(m_places, personal, lunch(u"Lunch"_s)));
+    EvolutionCalendars elsewhere(bus.connect());
+    ASSERT_TRUE(elsewhere.add(m_places, personal, lunch(u"Dinner"_s)));
+    EXPECT_EQ(calendars.remove(m_places, personal, u"l@x"_s).error().message,
+        u"The event was changed meanwhile, so it was kept."_s);
+    ASSERT_TRUE(elsewhere.remove(m_places, personal, u"l@x"_s));
+    EXPECT_FALSE(calendars.remove(m_places, personal, u"l@x"_s));
+    EXPECT_EQ(shown(), QStringList());
+}
+
+TEST(EvolutionKeysTest, aSourceIsDescribedInGroups)
+{
+    using Group = QHash<QString, QString>;
+    EXPECT_EQ(evolutionKeys(u"lost=1\n[Data Source] \nDisplayName=My\\sown\\tand\\nback\\\\slash\n#Enabled=false\n"
+                            "Enabled = a=b \n=nothing\nloose\n[Calendar]\n[Task List]\nBackendName=local\n[open\n"_s),
+        (EvolutionKeys { { {}, Group { { u"lost"_s, u"1"_s } } },
+            { u"Data Source"_s,
+                Group { { u"DisplayName"_s, u"My own and back\\slash"_s }, { u"Enabled"_s, u"a=b"_s } } },
+            { u"Calendar"_s, Group() }, { u"Task List"_s, Group { { u"BackendName"_s, u"local"_s } } } }));
 }
 
 TEST_F(EvolutionTest, aServiceThatEndsOrStopsAnsweringLeavesWhatWasRead)

@@ -7,6 +7,7 @@
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QMap>
+#include <QRegularExpression>
 
 namespace corvane {
 
@@ -23,12 +24,18 @@ const BusObject factory { evolution::calendars, u"/org/gnome/evolution/dataserve
 
 using Interfaces = QMap<QString, QVariantMap>;
 
-QString unescaped(QString value)
+/// A space for each kind of white space.
+QString unescaped(const QString& value)
 {
-    return value.replace(u"\\s"_s, u" "_s)
-        .replace(u"\\n"_s, u" "_s)
-        .replace(u"\\t"_s, u" "_s)
-        .replace(u"\\\\"_s, u"\\"_s);
+    static const QRegularExpression escaped(u"\\\\(.)"_s);
+    QString plain;
+    qsizetype at = 0;
+    for (auto match = escaped.globalMatch(value); match.hasNext();) {
+        const QRegularExpressionMatch each = match.next();
+        plain += value.sliced(at, each.capturedStart() - at) + (each.captured(1) == u"\\" ? u'\\' : u' ');
+        at = each.capturedEnd();
+    }
+    return plain + value.sliced(at);
 }
 
 std::unexpected<Error> noAnswer()
