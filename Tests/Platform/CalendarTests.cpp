@@ -1,145 +1,25 @@
 #include "Foundation/Literals.h"
 #include "Platform/CalendarSource.h"
-#include "Platform/Linux/Calendar/IcsFile.h"
-#include "Platform/Linux/Calendar/IcsText.h"
+#include "Platform/Linux/Calendar/FolderWatch.h"
 #include "Platform/Linux/Services.h"
+
+#include "CalendarFiles.h"
 #include "Support/Await.h"
+#include "Support/Environment.h"
 #include "Support/LogCapture.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
 
-#include <QDateTime>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
+#include <ctime>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 namespace corvane {
-
-namespace {
-
-const QByteArray berlin = "Europe/Berlin";
-
-qint64 at(const char* local)
-{
-    return QDateTime::fromString(QString::fromLatin1(local), u"yyyy-MM-dd HH:mm"_s).toMSecsSinceEpoch();
-}
-
-QByteArray calendar(const QByteArray& events)
-{
-    return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:x\r\n" + events + "END:VCALENDAR\r\n";
-}
-
-QByteArray event(const QByteArray& properties)
-{
-    return "BEGIN:VEVENT\r\nUID:a\r\n" + properties + "END:VEVENT\r\n";
-}
-
-/// The entries that overlap the period, as "start - end title", sorted by start.
-QStringList shown(const QByteArray& text, const char* from = "2026-10-01 00:00", const char* to = "2026-12-01 00:00")
-{
-    const auto file = IcsFile::read(text, berlin);
-    if (!file)
-        return { u"unreadable"_s };
-    QStringList lines;
-    for (const CalendarEntry& entry : file->entries(at(from), at(to))) {
-        const auto words = [](qint64 ms) {
-            return QDateTime::fromMSecsSinceEpoch(ms).toString(u"MM-dd HH:mm"_s);
-        };
-        lines.append(words(entry.startMs) + u" - "_s + words(entry.endMs) + u' ' + entry.title);
-    }
-    lines.sort();
-    return lines;
-}
-
-}
-
-TEST(IcsFile, aSeriesKeepsItsLocalTimeAcrossTheChangeOfClocksAndItsExceptions)
-{
-    const QByteArray text
-        = calendar(event("DTSTART;TZID=Europe/Berlin:20260901T100000\r\nDTEND;TZID=Europe/Berlin:20260901T110000\r\n"
-                         "RRULE:FREQ=WEEKLY\r\nEXDATE;TZID=Europe/Berlin:20261006T100000\r\nSUMMARY:Weekly\r\n")
-            + event("RECURRENCE-ID;TZID=Europe/Berlin:20261013T100000\r\nDTSTART;TZID=Europe/Berlin:20261014T150000\r\n"
-                    "DURATION:PT30M\r\nSUMMARY:Moved\r\n")
-            + event("RECURRENCE-ID;TZID=Europe/Berlin:20261103T100000\r\nDTSTART;TZID=Europe/Berlin:20261103T100000\r\n"
-                    "STATUS:CANCELLED\r\nSUMMARY:Off\r\n"));
-    EXPECT_EQ(shown(text),
-        QStringList({ u"10-14 15:00 - 10-14 15:30 Moved"_s, u"10-20 10:00 - 10-20 11:00 Weekly"_s,
-            u"10-27 10:00 - 10-27 11:00 Weekly"_s, u"11-10 10:00 - 11-10 11:00 Weekly"_s,
-            u"11-17 10:00 - 11-17 11:00 Weekly"_s, u"11-24 10:00 - 11-24 11:00 Weekly"_s }));
-    const auto entries = IcsFile::read(text, berlin)->entries(at("2026-10-14 00:00"), at("2026-10-15 00:00"));
-    ASSERT_EQ(entries.size(), 1);
-    EXPECT_EQ(entries.first().instanceMs, at("2026-10-13 10:00"));
-}
-
-TEST(IcsFile, zonesByAnyNameDaysAndRulesThatEndAreReadAsTheyAreMeant)
-{
-    EXPECT_EQ(shown(calendar(event("DTSTART;TZID=W. Europe Standard Time:20261005T090000\r\nSUMMARY:Windows\r\n")
-                  + event("UID:b\r\nDTSTART;TZID=/example.org/2023/America/New_York:20261006T090000\r\nSUMMARY:Far\r\n")
-                  + event("UID:c\r\nDTSTART;TZID=Nowhere/Land:20261007T090000\r\nSUMMARY:Unknown\r\n")
-                  + event("UID:d\r\nDTSTART:20261008T090000Z\r\nSUMMARY:UTC\r\n"))),
-        QStringList({ u"10-05 09:00 - 10-05 09:00 Windows"_s, u"10-06 15:00 - 10-06 15:00 Far"_s,
-            u"10-07 09:00 - 10-07 09:00 Unknown"_s, u"10-08 11:00 - 10-08 11:00 UTC"_s }));
-    // A two-day event across the DST change, and recurrences that began before the period.
-    EXPECT_EQ(
-        shown(calendar(event("DTSTART;VALUE=DATE:20261024\r\nDTEND;VALUE=DATE:20261026\r\nSUMMARY:Trip\r\n")
-            + event("UID:b\r\nDTSTART:20260801T080000\r\nDTEND:20260801T090000\r\n"
-                    "RRULE:FREQ=MONTHLY;COUNT=4\r\nSUMMARY:Counted\r\n")
-            + event("UID:c\r\nDTSTART:20240131T120000\r\nRRULE:FREQ=MONTHLY;BYMONTHDAY=-1;UNTIL=20261031T235959Z\r\n"
-                    "RDATE:20261115T120000\r\nSUMMARY:Last\r\n"))),
-        QStringList({ u"10-01 08:00 - 10-01 09:00 Counted"_s, u"10-24 00:00 - 10-26 00:00 Trip"_s,
-            u"10-31 12:00 - 10-31 12:00 Last"_s, u"11-01 08:00 - 11-01 09:00 Counted"_s,
-            u"11-15 12:00 - 11-15 12:00 Last"_s }));
-}
-
-TEST(IcsFile, thePeopleAreTheOrganizerAndWhoeverIsInvitedWithTheirAnswers)
-{
-    const auto file
-        = IcsFile::read(calendar(event("DTSTART:20261008T090000Z\r\nORGANIZER;CN=Ana:mailto:ana@x.example\r\n"
-                                       "ATTENDEE;PARTSTAT=DECLINED;CN=Bo:MAILTO:bo@x.example\r\n"
-                                       "ATTENDEE;CN=Ana Ruiz:mailto:Ana@x.example\r\n"
-                                       "ATTENDEE;CUTYPE=ROOM;CN=Room 1:mailto:room@x.example\r\n"
-                                       "DESCRIPTION:Agenda\\, all\r\nX-GOOGLE-CONFERENCE:https://meet.example/a\r\n")),
-            berlin);
-    ASSERT_TRUE(file);
-    const CalendarEntry entry = file->entries(at("2026-10-01 00:00"), at("2026-11-01 00:00")).value(0);
-    EXPECT_EQ(entry.people,
-        QList<CalendarPerson>({ { u"Ana Ruiz"_s, u"Ana@x.example"_s }, { u"Bo"_s, u"bo@x.example"_s, false, true },
-            { u"Room 1"_s, u"room@x.example"_s, true } }));
-    EXPECT_EQ(entry.notes, u"Agenda, all\nhttps://meet.example/a"_s);
-}
-
-TEST(IcsFile, hostileRulesAndTextsCostLittleAndLoseNoNeighbour)
-{
-    const QByteArray plain = event("UID:z\r\nDTSTART:20261008T090000\r\nSUMMARY:Plain\r\n");
-    const QString line = u"10-08 09:00 - 10-08 09:00 Plain"_s;
-    for (const char* rule : { "FREQ=SECONDLY", "FREQ=MINUTELY;COUNT=1000000000", "FREQ=DAILY;INTERVAL=0",
-             "FREQ=HOURLY;BYMONTH=2;BYMONTHDAY=30;COUNT=7", "FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=30", "nonsense" })
-        EXPECT_EQ(shown(calendar(event("DTSTART:19900101T090000\r\nRRULE:"_ba + rule + "\r\nSUMMARY:Odd\r\n") + plain)),
-            QStringList { line })
-            << rule;
-    EXPECT_EQ(
-        shown(calendar(event("DTSTART:19900101T090000\r\nRRULE:FREQ=DAILY;COUNT=1000000000\r\n") + plain)).size(), 62);
-    QByteArray many; // rules that never match
-    for (int i = 0; i < 3000; ++i)
-        many += event("UID:" + QByteArray::number(i)
-            + "\r\nDTSTART:19000101T090000\r\nRRULE:FREQ=DAILY;BYMONTH=2;BYMONTHDAY=30;COUNT=9\r\n");
-    EXPECT_EQ(shown(calendar(many + plain)), QStringList { line });
-    const QByteArray zone = "BEGIN:VTIMEZONE\r\nTZID:Mine\r\nBEGIN:STANDARD\r\nDTSTART:19700101T000000\r\n"
-                            "RRULE:FREQ=SECONDLY\r\nTZOFFSETFROM:+0100\r\nTZOFFSETTO:+0200\r\nEND:STANDARD\r\n"
-                            "END:VTIMEZONE\r\n";
-    EXPECT_EQ(shown(calendar(zone + event("DTSTART;TZID=Mine:20261008T100000\r\nSUMMARY:Plain\r\n"))),
-        QStringList { u"10-08 10:00 - 10-08 10:00 Plain"_s });
-
-    EXPECT_EQ(shown(calendar(event(
-                  "DTSTART:20261008T090000\r\nSUMMARY:Plain\r\nDESCRIPTION:" + QByteArray(10'000'000, 'x') + "\r\n"))),
-        QStringList { line });
-    EXPECT_EQ(shown(QByteArray("BEGIN:VEVENT\r\n").repeated(200'000)), QStringList { u"unreadable"_s });
-    EXPECT_EQ(shown("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nDTSTART:2026\r\nEND:VEVENT"), QStringList { u"unreadable"_s });
-    EXPECT_EQ(shown(QByteArray("\0\xff\r\n", 4)), QStringList { u"unreadable"_s });
-}
 
 class CalendarFolders : public testing::Test {
 protected:
@@ -275,6 +155,170 @@ TEST_F(CalendarFolders, aFileIsImportedEventByEventAndExportedWordForWord)
     EXPECT_TRUE(exported->contains(zone));
     EXPECT_TRUE(exported->contains("X-OTHER:kept"));
     EXPECT_FALSE(m_source->import(m_places, u"work"_s, "BEGIN:VCALENDAR\r\nEND:VCALENDAR\r\n"));
+}
+
+TEST_F(CalendarFolders, furtherFoldersAreCalendarsOrHoldThem)
+{
+    const QString home = m_home.paths().home;
+    write(home + u"/cals/one/a.ics"_s, titled("One"));
+    write(home + u"/cals/two/displayname"_s, "  Two  words\nmore\n");
+    write(home + u"/cals/two/color"_s, "#aaBB09ff\n");
+    write(home + u"/alone/color"_s, "red #aabbcc\n");
+    write(home + u"/nameless/displayname/a.ics"_s, "a folder");
+    QFile::link(home + u"/cals/one"_s, home + u"/alias"_s);
+    m_places.folders
+        = { u"~/cals"_s, home + u"/cals/"_s, home + u"/alone"_s, u"cals"_s, home + u"/missing"_s, home + u"/alias"_s };
+    const CalendarInfo one { home + u"/cals/one"_s, u"one"_s, {}, u"~/cals/one"_s, true };
+    const CalendarInfo two { home + u"/cals/two"_s, u"Two words"_s, u"#aaBB09"_s, u"~/cals/two"_s, true };
+    const CalendarInfo alone { home + u"/alone"_s, u"alone"_s, {}, u"~/alone"_s, true };
+    EXPECT_EQ(m_source->access(m_places), CalendarAccess::Full);
+    EXPECT_EQ(read().calendars, QList<CalendarInfo>({ one, two, alone }));
+    EXPECT_EQ(titles(), QStringList { one.id + u"/One"_s });
+
+    write(home + u"/cals/own.ics"_s, titled("Own"));
+    const CalendarInfo all { home + u"/cals"_s, u"cals"_s, {}, u"~/cals"_s, true };
+    EXPECT_EQ(read().calendars, QList<CalendarInfo>({ all, one, two, alone }));
+    write(m_work + u"/a.ics"_s, titled("Usual"));
+    EXPECT_EQ(read().calendars.first().id, u"work"_s);
+    m_places.folders = { home + u"/nameless"_s };
+    EXPECT_EQ(read().calendars.last().title, u"displayname"_s) << "a folder of that name names nothing";
+
+    m_places.folders.clear();
+    for (int i = 0; i < 200; ++i)
+        QDir().mkpath(QFileInfo(m_work).path() + u"/a%1"_s.arg(i));
+    EXPECT_EQ(read().calendars.size(), 200);
+}
+
+TEST_F(CalendarFolders, whatCannotBeDoneIsSaidInASentence)
+{
+    ASSERT_TRUE(m_source->makeCalendar(u"Personal"_s));
+    const QString folder = QFileInfo(m_work).path() + u"/personal/"_s;
+    write(folder + u"displayname"_s, "Mine\n");
+    EXPECT_TRUE(m_source->makeCalendar(u"Personal"_s));
+    EXPECT_EQ(read().calendars.value(0).title, u"Mine"_s) << "its name stays";
+    EXPECT_FALSE(m_source->hasService());
+    write(QFileInfo(m_work).path() + u"/file"_s, {});
+    const auto notMade = m_source->makeCalendar(u"File"_s);
+    ASSERT_FALSE(notMade);
+    EXPECT_EQ(notMade.error().message, u"The folder %1/file could not be made."_s.arg(QFileInfo(m_work).path()));
+
+    const NewCalendarEntry entry { u"plain.1@x"_s, u"Tea"_s, {}, {}, at("2026-10-08 09:00"), at("2026-10-08 10:00") };
+    const QString gone = u"The calendar is no longer there."_s;
+    EXPECT_EQ(m_source->add(m_places, u"nowhere"_s, entry).error().message, gone);
+    EXPECT_EQ(m_source->remove(m_places, u"nowhere"_s, entry.uid).error().message, gone);
+    EXPECT_EQ(m_source->import(m_places, u"nowhere"_s, titled("x")).error().message, gone);
+    EXPECT_EQ(m_source->exported(m_places, u"nowhere"_s, entry.uid).error().message, gone);
+    EXPECT_EQ(m_source->exported(m_places, u"personal"_s, entry.uid).error().message, u"The event no longer exists."_s);
+    const auto rubbish = m_source->import(m_places, u"personal"_s, "BEGIN:VTODO\r\nUID:t\r\nEND:VTODO\r\n");
+    ASSERT_FALSE(rubbish);
+    EXPECT_EQ(rubbish.error().message, u"There is no event in this file."_s);
+
+    const QString changed = u"The event was changed meanwhile, so it was kept."_s;
+    ASSERT_TRUE(m_source->add(m_places, u"personal"_s, entry));
+    EXPECT_TRUE(QFile::exists(folder + u"plain.1@x.ics"_s));
+    ASSERT_TRUE(m_source->remove(m_places, u"personal"_s, entry.uid));
+    EXPECT_EQ(m_source->remove(m_places, u"personal"_s, entry.uid).error().message, changed);
+    ASSERT_TRUE(m_source->add(m_places, u"personal"_s, entry));
+    QFile::remove(folder + u"plain.1@x.ics"_s);
+    EXPECT_EQ(m_source->remove(m_places, u"personal"_s, entry.uid).error().message, changed);
+
+    QDir().mkpath(folder + u"plain.1@x.ics"_s);
+    const QString unwritten = u"The calendar “Mine” could not be written."_s;
+    EXPECT_EQ(m_source->add(m_places, u"personal"_s, entry).error().message, unwritten);
+    EXPECT_EQ(m_source
+                  ->import(m_places, u"personal"_s,
+                      calendar(event("DTSTART:20261008T090000\r\n").replace("UID:a", "UID:plain.1@x")))
+                  .error()
+                  .message,
+        unwritten);
+
+    write(folder + u"b.ics"_s, "no calendar");
+    write(folder + u"c.ics"_s, titled("Large"));
+    QFile large(folder + u"c.ics"_s);
+    EXPECT_TRUE(large.resize(16 * 1024 * 1024));
+    EXPECT_EQ(read().troubles, QStringList { u"A file of the calendar “Mine” could not be read."_s });
+    EXPECT_EQ(titles(), QStringList { u"personal/Large"_s });
+    EXPECT_TRUE(large.resize(16 * 1024 * 1024 + 1));
+    EXPECT_EQ(read().troubles, QStringList { u"2 files of the calendar “Mine” could not be read."_s });
+}
+
+TEST_F(CalendarFolders, theNameOfAFileIsTheIdWhereEveryFileSystemAcceptsIt)
+{
+    ASSERT_TRUE(m_source->makeCalendar(u"Personal"_s));
+    const auto nameFor = [&](const QString& uid) {
+        EXPECT_TRUE(m_source->add(m_places, u"personal"_s, { uid, u"x"_s, {}, {}, 0, 0 }));
+        const QString folder = QFileInfo(m_work).path() + u"/personal"_s;
+        const QString name = QDir(folder).entryList({ u"*.ics"_s }, QDir::Files | QDir::Hidden).value(0);
+        EXPECT_TRUE(m_source->remove(m_places, u"personal"_s, uid));
+        return name;
+    };
+    const QString longest(121, u'u');
+    EXPECT_EQ(nameFor(longest), longest + u".ics"_s);
+    EXPECT_EQ(nameFor(longest + u'u').size(), 44);
+    EXPECT_EQ(nameFor(u".hidden"_s).size(), 44);
+    EXPECT_EQ(nameFor(u"a/../b"_s).size(), 44);
+}
+
+TEST_F(CalendarFolders, aSeriesIsReadDayByDayAndPageByPageFromWhatIsKnown)
+{
+    write(m_work + u"/a.ics"_s, calendar(event("DTSTART:20200101T090000\r\nRRULE:FREQ=DAILY\r\nSUMMARY:Daily\r\n")));
+    const auto days = [](const CalendarReading& reading) {
+        QStringList days;
+        for (const CalendarEntry& entry : reading.entries)
+            days.append(entry.calendarId + QDateTime::fromMSecsSinceEpoch(entry.startMs).toString(u" MM-dd HH:mm"_s));
+        days.sort();
+        return days;
+    };
+    for (const char* day : { "2026-10-05", "2026-10-06", "2026-10-07", "2026-10-08", "2026-10-09", "2026-10-04" }) {
+        const qint64 from = at((day + " 00:00"_ba).constData());
+        const qint64 to = at((day + " 23:00"_ba).constData());
+        const QStringList only { u"work "_s + QString::fromLatin1(day).sliced(5) + u" 09:00"_s };
+        EXPECT_EQ(days(m_source->readKnown(m_places, from, to)), only);
+        EXPECT_EQ(days(m_source->read(m_places, from, to)), only);
+    }
+    EXPECT_EQ(m_source->readKnown(m_places, at("2026-08-01 00:00"), at("2026-09-01 00:00")).entries.size(), 31);
+    EXPECT_EQ(m_source->readKnown(m_places, at("2026-12-01 00:00"), at("2027-01-01 00:00")).entries.size(), 31);
+
+    Environment zone { { "TZ", "America/New_York" } };
+    ::tzset();
+    const CalendarReading there = m_source->read(m_places, at("2026-10-05 00:00"), at("2026-10-06 00:00"));
+    zone.set("TZ", "Europe/Berlin");
+    ::tzset();
+    EXPECT_EQ(days(there), QStringList { u"work 10-05 15:00"_s });
+}
+
+TEST_F(CalendarFolders, openTasksAreCountedAndMissingFoldersAwaited)
+{
+    write(m_work + u"/t.ics"_s, "BEGIN:VTODO\r\nUID:t\r\nEND:VTODO\r\n");
+    write(
+        m_work + u"/u.ics"_s, "BEGIN:VTODO\r\nUID:u\r\nSTATUS:COMPLETED\r\nEND:VTODO\r\nBEGIN:VTODO\r\nEND:VTODO\r\n");
+    EXPECT_EQ(m_source->openTasks(m_places), 2);
+
+    int changes = 0;
+    FolderWatch watch([&] { ++changes; });
+    const QString home = m_home.paths().home;
+    QDir().mkpath(home);
+    const auto changesOnce = [&](const std::function<void()>& change) {
+        changes = 0;
+        change();
+        QCoreApplication::processEvents();
+        return changes;
+    };
+    const auto make = [&](const QString& folder) {
+        return changesOnce([&] { QDir().mkpath(home + folder); });
+    };
+    watch.watch({ home + u"/first/below"_s, home + u"/second"_s });
+    EXPECT_EQ(make(u"/third"_s), 0);
+    EXPECT_EQ(make(u"/second"_s), 1);
+    EXPECT_EQ(make(u"/first"_s), 1);
+    watch.watch({ home + u"/first/below"_s, home + u"/first"_s });
+    EXPECT_EQ(make(u"/first/anything"_s), 1) << "what is watched as a whole stays so";
+    watch.watch({ home + u"/first"_s, home + u"/first/below"_s });
+    EXPECT_EQ(make(u"/first/more"_s), 1);
+    EXPECT_EQ(changesOnce([&] { QDir().rmdir(home + u"/first/more"_s); }), 1);
+    watch.watch({ home + u"/third"_s });
+    EXPECT_EQ(make(u"/first/other"_s), 0) << "the folders before are no longer watched";
+    EXPECT_EQ(changesOnce([&] { QDir().rmdir(home + u"/third"_s); }), 1);
 }
 
 TEST_F(CalendarFolders, khalReadsWhatTheProgramWroteAndTheOtherWayRound)
