@@ -43,17 +43,23 @@ uint32_t symbolOf(int key)
     return namedKeys.value(key, 0);
 }
 
-/// Key repeat without release events.
-void askForDetectableRepeat(xcb_connection_t* connection)
+/// Asks for key repeat without release events, and for changes of the layout. Returns the type of the event that tells
+/// of one.
+uint8_t prepareKeyboard(xcb_connection_t* connection)
 {
     constexpr uint16_t major = 1;
     const XcbReply<xcb_xkb_use_extension_reply_t> used(
         xcb_xkb_use_extension_reply(connection, xcb_xkb_use_extension(connection, major, 0), nullptr));
     if (!used || !used->supported)
-        return;
+        return XCB_MAPPING_NOTIFY;
     constexpr uint32_t repeat = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
     const auto asked = xcb_xkb_per_client_flags(connection, XCB_XKB_ID_USE_CORE_KBD, repeat, repeat, 0, 0, 0);
     const XcbReply<xcb_xkb_per_client_flags_reply_t> reply(xcb_xkb_per_client_flags_reply(connection, asked, nullptr));
+    // The server sends no MappingNotify to a client of the extension.
+    constexpr uint16_t layout = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
+    constexpr uint16_t parts = XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS;
+    xcb_xkb_select_events(connection, XCB_XKB_ID_USE_CORE_KBD, layout, 0, layout, parts, parts, nullptr);
+    return xcb_get_extension_data(connection, &xcb_xkb_id)->first_event;
 }
 
 }
@@ -87,7 +93,7 @@ X11GlobalShortcuts::X11GlobalShortcuts(const QByteArray& display)
     }
     m_root = firstScreen(m_connection.get())->root;
     m_symbols.reset(xcb_key_symbols_alloc(m_connection.get()));
-    askForDetectableRepeat(m_connection.get());
+    m_layoutEvent = prepareKeyboard(m_connection.get());
     m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(m_connection.get()), QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, &X11GlobalShortcuts::read);
 }
@@ -189,11 +195,9 @@ void X11GlobalShortcuts::handle(const xcb_generic_event_t& event)
     const uint8_t type = event.response_type & typeBits;
     if (type == XCB_KEY_PRESS || type == XCB_KEY_RELEASE) {
         handleKey(reinterpret_cast<const xcb_key_press_event_t&>(event), type == XCB_KEY_PRESS);
-    } else if (type == XCB_MAPPING_NOTIFY) {
-        auto changed = reinterpret_cast<const xcb_mapping_notify_event_t&>(event);
-        xcb_refresh_keyboard_mapping(m_symbols.get(), &changed);
-        if (changed.request == XCB_MAPPING_KEYBOARD)
-            grabAgain();
+    } else if (type == m_layoutEvent) {
+        m_symbols.reset(xcb_key_symbols_alloc(m_connection.get()));
+        grabAgain();
     }
 }
 
@@ -215,15 +219,22 @@ void X11GlobalShortcuts::handleKey(const xcb_key_press_event_t& event, bool isPr
 
 void X11GlobalShortcuts::grabAgain()
 {
-    QStringList changed;
+    // All keys that moved are freed first, as another shortcut may take their place.
+    QList<Grab*> moved;
     for (Grab& grab : m_grabs) {
         const bool isBound = grab.state.kind == GlobalShortcutState::Kind::Bound;
         if (isBound && codesOf(grab.key) == grab.codes)
             continue;
         if (isBound)
             ungrabKey(grab.key, grab.codes);
-        grabFirstFree(grab);
-        changed.append(grab.shortcut.id);
+        moved.append(&grab);
+    }
+    QStringList changed;
+    for (Grab* const grab : std::as_const(moved)) {
+        const GlobalShortcutState before = grab->state;
+        grabFirstFree(*grab);
+        if (grab->state != before)
+            changed.append(grab->shortcut.id);
     }
     for (const QString& id : std::as_const(changed))
         Q_EMIT stateChanged(id);

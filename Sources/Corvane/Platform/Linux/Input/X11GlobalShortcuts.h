@@ -55,6 +55,7 @@ private:
     std::unique_ptr<_XCBKeySymbols, void (*)(_XCBKeySymbols*)> m_symbols;
     std::unique_ptr<QSocketNotifier> m_notifier;
     xcb_window_t m_root = 0;
+    uint8_t m_layoutEvent = XCB_MAPPING_NOTIFY;
     QHash<QString, Grab> m_grabs;
 };
 
