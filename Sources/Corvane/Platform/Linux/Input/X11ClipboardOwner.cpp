@@ -64,7 +64,7 @@ bool X11ClipboardOwner::lend(const QByteArray& selection, const QByteArray& text
     start();
     if (!m_connection)
         return false;
-    giveBack();
+    restore();
     const xcb_atom_t atom = atomNamed(m_connection.get(), selection);
     m_kept = m_selection == atom ? m_items : itemsOf(atom);
     m_items.clear();
@@ -82,7 +82,15 @@ bool X11ClipboardOwner::lend(const QByteArray& selection, const QByteArray& text
 
 void X11ClipboardOwner::giveBack()
 {
-    if (!m_connection || !std::exchange(m_isLent, false) || m_selection == 0)
+    if (!m_connection)
+        return;
+    restore();
+    read(); // as in `lend`
+}
+
+void X11ClipboardOwner::restore()
+{
+    if (!std::exchange(m_isLent, false) || m_selection == 0)
         return;
     m_items = std::exchange(m_kept, {});
     if (!m_items.isEmpty()) {

@@ -43,6 +43,7 @@ private:
     bool readPieces(Item& item, QDeadlineTimer& deadline);
     Event await(QDeadlineTimer& deadline, const std::function<bool(const xcb_generic_event_t&)>& isWanted);
     bool own(xcb_atom_t selection);
+    void restore();
     void read();
     void handle(const xcb_generic_event_t& event);
     void answer(const xcb_selection_request_event_t& request);
