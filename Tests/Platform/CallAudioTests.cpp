@@ -130,6 +130,35 @@ TEST_F(CallAudioTest, aTrackFollowsItsSourceAndGapsAreSilence)
     EXPECT_GE(secondsOf(file("mic.m4a")), recorded);
 }
 
+TEST_F(CallAudioTest, onlyTheSourceThatWasChosenLastIsRecorded)
+{
+    SoundServer server(Microphones::One);
+    const auto mic = audio->recordMicrophone(file("mic.m4a"));
+    const auto sources = [] {
+        QList<QByteArray> lines = output("pactl", { "list", "short", "source-outputs" }).split('\n');
+        lines.removeIf([](const QByteArray& line) { return !line.contains("float32le 1ch 44100Hz"); });
+        QList<QByteArray> sources;
+        for (const QByteArray& line : std::as_const(lines))
+            sources.append(line.split('\t').value(1));
+        return sources;
+    };
+    const auto number = [](const QByteArray& name) {
+        const QList<QByteArray> lines = output("pactl", { "list", "short", "sources" }).split('\n');
+        for (const QByteArray& line : lines)
+            if (line.split('\t').value(1) == name)
+                return line.split('\t').value(0);
+        return QByteArray();
+    };
+    ASSERT_TRUE(await([&] { return sources() == QList { number("mic") }; }));
+    ASSERT_TRUE(
+        SoundServer::control({ "load-module", "module-remap-source", "source_name=desk", "master=room.monitor" }));
+    ASSERT_TRUE(SoundServer::control({ "set-default-source", "desk" }));
+    EXPECT_TRUE(await([&] { return sources() == QList { number("desk") }; }));
+    EXPECT_TRUE(await([&] { return mic->hasSource() && mic->level() > 0.1; }));
+    EXPECT_TRUE(stops(*mic));
+    EXPECT_TRUE(await([&] { return sources().isEmpty(); }));
+}
+
 TEST_F(CallAudioTest, soundThatComesLateStandsAtItsTimeAndNotAfterTheSilenceInItsPlace)
 {
     SoundServer server(Microphones::One);

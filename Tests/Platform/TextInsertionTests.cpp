@@ -1,4 +1,5 @@
 #include "Foundation/Literals.h"
+#include "Platform/Linux/Input/OwnWindow.h"
 #include "Platform/Linux/Input/WaylandTextInsertion.h"
 #include "Platform/Linux/Input/X11TextInsertion.h"
 
@@ -10,11 +11,15 @@
 #include "Support/VirtualScheduler.h"
 #include "XServer.h"
 
+#include <QClipboard>
 #include <QDBusConnectionInterface>
 #include <QDBusContext>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
+#include <QGuiApplication>
+#include <QInputMethodEvent>
 #include <QTemporaryDir>
+#include <QWindow>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
@@ -177,11 +182,16 @@ public:
     uint devices = 3;
     uint answer = 0;
     QList<int> keys;
+    QList<std::pair<int, uint>> codes; ///< each with whether it goes down
     bool isBusy = false;
+    bool fails = false;
+    bool takesKeys = true;
 
 public Q_SLOTS:
     Q_SCRIPTABLE QDBusObjectPath CreateSession(const QVariantMap& options)
     {
+        if (fails)
+            sendErrorReply(QDBusError::Failed, "no session");
         return respond(options, { { "session_handle", "/session" } });
     }
     Q_SCRIPTABLE QDBusObjectPath SelectDevices(const QDBusObjectPath& /*session*/, const QVariantMap& options)
@@ -198,6 +208,8 @@ public Q_SLOTS:
     Q_SCRIPTABLE void NotifyKeyboardKeysym(
         const QDBusObjectPath& /*session*/, const QVariantMap& /*options*/, int symbol, uint isDown)
     {
+        if (!takesKeys)
+            return sendErrorReply(QDBusError::AccessDenied, "no keys");
         EXPECT_FALSE(std::exchange(isBusy, true)) << "a key may overtake the one before";
         setDelayedReply(true);
         const auto reply = [this, call = message()] {
@@ -207,6 +219,11 @@ public Q_SLOTS:
         QMetaObject::invokeMethod(this, reply, Qt::QueuedConnection);
         if (isDown)
             keys << symbol;
+    }
+    Q_SCRIPTABLE void NotifyKeyboardKeycode(
+        const QDBusObjectPath& /*session*/, const QVariantMap& /*options*/, int code, uint isDown)
+    {
+        codes.append({ code, isDown });
     }
 
 private:
@@ -312,6 +329,9 @@ TEST_F(TextInsertionTest, theAccessibilityBusNamesPasswordFieldsAndTakesText)
         EXPECT_TRUE(insertInto(session, *field, "Grüße 👍"));
         EXPECT_TRUE(insertInto(session, *field, "!"));
         EXPECT_TRUE(target.says("9 Grüße 👍!"));
+        WaylandTextInsertion wayland(scheduler, session);
+        EXPECT_EQ(insert(wayland, "?"), Outcome::Inserted);
+        EXPECT_TRUE(target.says("10 Grüße 👍!?"));
         target.quit();
         EXPECT_FALSE(insertInto(session, *field, "nowhere"));
     }
@@ -358,12 +378,31 @@ TEST_F(TextInsertionTest, theRemoteDesktopPortalTypesOnceTheUserAgreed)
     EXPECT_EQ(insert(insertion, "text"), Outcome::Missed) << "nobody was asked";
     insertion.aim();
     ASSERT_TRUE(await([&] { return insert(insertion, "é☕") == Outcome::Inserted; }));
-    EXPECT_EQ(portal.keys, (QList<int> { 0xe9, 0x01002615 }));
+    EXPECT_EQ(std::exchange(portal.keys, {}), (QList<int> { 0xe9, 0x01002615 }));
+    std::optional<Outcome> typed;
+    insertion.insert(u"\t\n A~\u007f\u009f\u00a0\u00ff\u0100"_s, [&](Outcome given) { typed = given; });
+    EXPECT_EQ(insert(insertion, "twice"), Outcome::Missed) << "one at a time";
+    ASSERT_TRUE(await([&] { return typed == Outcome::Inserted; }));
+    EXPECT_EQ(
+        portal.keys, (QList<int> { 0xff09, 0xff0d, ' ', 'A', '~', 0x0100007f, 0x0100009f, 0xa0, 0xff, 0x01000100 }));
+    portal.takesKeys = false;
+    EXPECT_EQ(insert(insertion, "x"), Outcome::Missed);
+    portal.takesKeys = true;
     portal.close();
     ASSERT_TRUE(await([&] { return insert(insertion, "x") == Outcome::Missed; }));
     portal.answer = 1; // the user refused
     insertion.aim();
     ASSERT_TRUE(await([&] { return insertion.way() != InsertionWay::Typing; }));
+
+    WaylandTextInsertion failed(scheduler, bus.connect());
+    ASSERT_TRUE(await([&] { return failed.way() == InsertionWay::Typing; }));
+    portal.fails = true;
+    failed.aim();
+    ASSERT_TRUE(await([&] { return failed.way() != InsertionWay::Typing; }));
+    portal.devices = 2; // a pointer only
+    WaylandTextInsertion keyless(scheduler, bus.connect());
+    bus.settle();
+    EXPECT_NE(keyless.way(), InsertionWay::Typing);
 }
 
 TEST_F(TextInsertionTest, aCompositorThatTakesKeysPastesAndTheClipboardKeepsWhatItHeld)
@@ -381,6 +420,64 @@ TEST_F(TextInsertionTest, aCompositorThatTakesKeysPastesAndTheClipboardKeepsWhat
     EXPECT_TRUE(target.says("8 Grüße ☕!"));
     scheduler.advance(seconds(1));
     EXPECT_TRUE(target.saysAtTheEnd("clipboard 3"));
+
+    // KDE's portal leaves out characters that are not on the keyboard, so it presses the keys for pasting only.
+    const Environment kde { { "XDG_CURRENT_DESKTOP", "KDE" } };
+    PrivateBus bus;
+    RemotePortal portal(bus.connect());
+    WaylandTextInsertion typing(scheduler, bus.connect());
+    ASSERT_TRUE(await([&] { return typing.way() == InsertionWay::Typing; }));
+    typing.aim();
+    ASSERT_TRUE(await([&] { return insert(typing, "pasted") == Outcome::Inserted; }));
+    EXPECT_EQ(portal.codes, (QList<std::pair<int, uint>> { { 42, 1 }, { 110, 1 }, { 110, 0 }, { 42, 0 } }));
+    EXPECT_EQ(portal.keys, QList<int>());
+    EXPECT_TRUE(target.saysAtTheEnd("clipboard 6"));
+    scheduler.advance(seconds(1));
+    EXPECT_TRUE(target.saysAtTheEnd("clipboard 3"));
+}
+
+namespace {
+
+/// A window of this program, with a field that takes text, is for passwords, or is none.
+class OwnField final : public QWindow {
+public:
+    bool isEnabled = true;
+    Qt::InputMethodHints hints = Qt::ImhNone;
+    QString text;
+
+protected:
+    bool event(QEvent* event) override
+    {
+        if (event->type() == QEvent::InputMethodQuery) {
+            auto* const query = static_cast<QInputMethodQueryEvent*>(event);
+            query->setValue(Qt::ImEnabled, isEnabled);
+            query->setValue(Qt::ImHints, int(hints));
+            return true;
+        }
+        if (event->type() == QEvent::InputMethod)
+            text += static_cast<QInputMethodEvent*>(event)->commitString();
+        return QWindow::event(event);
+    }
+};
+
+}
+
+TEST(OwnWindowTest, aFieldOfThisProgramTakesTheTextItself)
+{
+    EXPECT_FALSE(insertIntoOwnWindow("elsewhere"));
+    OwnField field;
+    field.show();
+    field.requestActivate();
+    ASSERT_TRUE(await([&] { return QGuiApplication::focusWindow() == &field; }));
+    EXPECT_EQ(insertIntoOwnWindow("Grüße"), Outcome::Inserted);
+    EXPECT_EQ(field.text, "Grüße");
+    field.hints = Qt::ImhHiddenText | Qt::ImhSensitiveData;
+    EXPECT_EQ(insertIntoOwnWindow("open sesame"), Outcome::Password);
+    field.hints = Qt::ImhSensitiveData;
+    field.isEnabled = false;
+    EXPECT_EQ(insertIntoOwnWindow("copied"), Outcome::Copied);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), "copied");
+    EXPECT_EQ(field.text, "Grüße");
 }
 
 #include "TextInsertionTests.moc"
