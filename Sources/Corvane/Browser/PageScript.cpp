@@ -19,8 +19,9 @@ const QString steps = uR"JS((() => {
     const send = report => globalThis.corvaneStep(JSON.stringify(report));
     const numberOf = field => numbers.get(field) ?? (numbers.set(field, ++next), next);
     const labelOf = e => (e.labels?.[0]?.innerText || e.getAttribute('aria-label') || e.placeholder ||
-        (/^(submit|button|reset)$/.test(e.type) && e.value) || (e.matches('input,textarea,select') ? e.name : e.innerText) ||
-        e.alt || e.title || e.tagName.toLowerCase()).trim().slice(0, 80);
+        (e.matches('input') && /^(submit|button|reset)$/.test(e.type) && e.value) ||
+        (e.matches('input,textarea,select') ? e.name : e.innerText) || e.alt || e.title ||
+        e.tagName.toLowerCase()).trim().slice(0, 80);
     const isUnique = selector => document.querySelectorAll(selector).length === 1;
     const selectorOf = element => {
         const parts = [];
