@@ -141,8 +141,13 @@ TEST_F(Terminals, aFrozenScreenIsNotReadUntilItsProgramGoesOnOrTakesTooLong)
     EXPECT_EQ(session.scrollTop(), -int64_t(session.terminal()->terminal()->historyRows())) << "the oldest row";
     session.scrollTo(5);
     EXPECT_EQ(session.scrollTop(), 0);
+    session.terminal()->terminal()->feed("\033[?2026l");
     session.scrollTo(-5);
-    session.terminal()->terminal()->feed("\033[?2026l\033[?1049h");
+    session.scrollTo(0);
+    ASSERT_TRUE(session.snapshot(snapshot));
+    EXPECT_EQ(session.scrollTop(), 0) << "not where it was before";
+    session.scrollTo(-5);
+    session.terminal()->terminal()->feed("\033[?1049h");
     ASSERT_TRUE(session.snapshot(snapshot));
     EXPECT_EQ(session.scrollTop(), 0) << "a full-screen program has no history";
     session.scrollTo(-1);

@@ -114,6 +114,12 @@ TEST(Transcript, aSnapshotHasAtLeastFiveHundredCharactersAndNoMoreThanAreKept)
     for (int n = 0; n < 498; ++n)
         pairs.received("\r\n");
     EXPECT_EQ(pairs.snapshot(500), u"st"_s);
+    TerminalTranscriptBuffer whole(500);
+    whole.received("a");
+    for (int n = 0; n < 300; ++n)
+        whole.received("\r\n");
+    whole.received("z");
+    EXPECT_EQ(whole.snapshot(500), u'a' + u"\r\n"_s.repeated(300) + u'z');
 }
 
 TEST(Transcript, aLineEndsWithItsKeyAndWhatIsTypedAheadIsNoPassword)
