@@ -114,8 +114,6 @@ void DevSRS::save()
     const DevSRSSaved saved = saveDevSRS(m_desk.work.db, m_seen, m_edited);
     if (saved == DevSRSSaved::Saved) {
         m_edited = m_seen;
-        m_overtaken = false;
-        m_error.clear();
         return reload();
     }
     m_overtaken = saved == DevSRSSaved::Changed;
