@@ -241,6 +241,13 @@ TEST_F(Tabs, requirementsKeepWhatIsEditedAndSayWhoElseChangedThem)
     srs.save();
     EXPECT_EQ(changed.size(), before) << "there is nothing to save";
 
+    srs.edit(u"flows"_s, u"Mine"_s);
+    m_db->exec("UPDATE dev_srs SET flows='Again';");
+    srs.save();
+    EXPECT_TRUE(srs.overtaken() && srs.error().isEmpty());
+    srs.save();
+    EXPECT_FALSE(srs.overtaken() || srs.dirty());
+    EXPECT_EQ(cell("SELECT flows FROM dev_srs;"), "Mine");
     srs.edit(u"users"_s, u"Potters"_s);
     project(u"Kiln"_s);
     view.refresh();
@@ -259,7 +266,9 @@ TEST_F(Tabs, aTaskFromATerminalSaysWhatItCouldNotKeep)
     TerminalWorkspaceView view(desk());
     view.setShown(true);
     DevTasks& tasks = *view.tasks();
+    EXPECT_FALSE(tasks.createTerminalWorkItem(u"task"_s, u"low"_s, u"Here"_s)) << "there is no terminal";
     terminals.createLocalSession(u"x"_s, { "/bin/cat", {}, {}, {}, {} });
+    EXPECT_FALSE(tasks.createTerminalWorkItem(u"task"_s, u"low"_s, u"Here"_s)) << "it shows nothing";
     for (const auto act : { &DevTasks::taskFromTerminal, &DevTasks::bugFromTerminal }) {
         tasks.dismissNotice();
         (tasks.*act)();
