@@ -94,6 +94,16 @@ TEST(LumoDraftPrompt, saysSoWhereNothingIsKnown)
                                           "Channels: \n\nRecent local context, for tone only:\nNo local text"));
     EXPECT_TRUE(rewrite.prompt.contains("must remain exact:\nNone\n\nJSON shape:"));
     EXPECT_TRUE(rewrite.prompt.contains("\"language\": \"detected or requested language\""));
+    const std::pair<LumoDraftRewriteAction, QString> labels[] {
+        { LumoDraftRewriteAction::Shorten, "Shorten" },
+        { LumoDraftRewriteAction::Warmer, "Make warmer" },
+        { LumoDraftRewriteAction::Grammar, "Fix grammar" },
+        { LumoDraftRewriteAction::Translate, "Translate" },
+    };
+    for (const auto& [action, label] : labels)
+        EXPECT_EQ(operationLabel(action), label);
+    EXPECT_TRUE(instruction(LumoDraftRewriteAction::Warmer, {}).startsWith("Make the draft warmer "));
+    EXPECT_TRUE(instruction(LumoDraftRewriteAction::Grammar, {}).startsWith("Fix grammar and clarity only."));
     EXPECT_EQ(instruction(LumoDraftRewriteAction::Translate, {}),
         "Translate the draft to English while preserving every quoted segment exactly as written.");
 }

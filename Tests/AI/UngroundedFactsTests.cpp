@@ -131,6 +131,13 @@ TEST(UngroundedFacts, aFactInAnotherWritingIsTheSameFact)
         { "[M12] IN SMS 2026-03-01T09:30:00Z: hi", "12 boxes, 30 bags, 1 March", "12|30" },
         { "", "1. first\n2. then\nopen 24/7", "" },
         { "", "", "" },
+        { "see shop.example/a/", "https://shop.example/a and shop.example/a/#top", "shop.example/a/#top" },
+        { "call 491715550199", "0171/555 0199 or 0171 5550198", "0171 5550198" },
+        { "room 01, bed 2", "(01 / 2)", "" },
+        { "1,250,000 units", "1.250.000 units, not 1.250.001 units", "1.250.001" },
+        { "by March 2026", "in March, not in April 2026", "April 2026" },
+        { "12.5. is fine", "12 May, 5 December, not 13 May", "13 May" },
+        { "the call takes 2h", "2 hours, not 3 hours", "3" },
     };
     for (const auto& [context, draft, named] : cases)
         EXPECT_EQ(ungroundedFacts(draft, context).join(u'|'), QString(named)) << draft;
