@@ -59,6 +59,7 @@ protected:
     {
         session->signIn("ana@ruiz.example", "secret word");
         EXPECT_TRUE(session->busy());
+        EXPECT_EQ(session->lastErrorText(), "") << "what failed before is over";
         EXPECT_TRUE(await([&] { return !session->busy(); }));
     }
 

@@ -219,6 +219,8 @@ TEST_F(SyncClientTest, whatCannotBeReadIsSaid)
     m_db->exec("ALTER TABLE cloud_sync_cursor RENAME TO away;");
     EXPECT_EQ(push(), "Sync error: The messages could not be read (SQLite says 1).");
     EXPECT_EQ(health(), "error|The messages could not be read (SQLite says 1).");
+    client->pushTheRest();
+    EXPECT_EQ(finished(), "Sync error: The messages could not be read (SQLite says 1).");
     client->lookUp();
     EXPECT_TRUE(await([this] { return !client->isLookingUp(); }));
     EXPECT_FALSE(client->review());
