@@ -61,6 +61,7 @@ TEST_F(NotifierTest, aContactGetsOneBannerInFourSeconds)
 {
     for (int i = 0; i < 3; ++i) {
         message("ct:1", QString::number(i));
+        message("ct:1", "at the same time");
         clock.advance(Milliseconds(1000));
     }
     message("ct:2");
@@ -123,8 +124,9 @@ TEST_F(NotifierTest, theMessagesOfAContactAreWithdrawnOnce)
     notifier.withdrawMessages("ct:3");
     EXPECT_TRUE(service.withdrawn.isEmpty());
     notifier.withdrawMessages("ct:1");
-    notifier.withdrawMessages("ct:1");
     EXPECT_EQ(service.withdrawn, QStringList(service.shown.first().identifier));
+    notifier.withdrawMessages("ct:1");
+    EXPECT_EQ(service.withdrawn.size(), 1);
 }
 
 TEST_F(NotifierTest, aRecordingATerminalAndADictationHaveOneBannerEach)

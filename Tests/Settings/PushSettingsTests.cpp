@@ -181,8 +181,12 @@ TEST_F(PushSettingsTest, theSheetWritesDownWhatWouldGoAndTakesBackWhatWasKept)
     settle();
     EXPECT_EQ(sheet.state() + u' ' + sheet.summaryText(), "filled 0 WhatsApp accounts, 0 chats, 0 messages")
         << "the account can be taken back";
-    m_db->exec("DELETE FROM cloud_keep_local;");
+    sheet.keepAccount("shop", false);
+    EXPECT_EQ(cell("SELECT COUNT(*) FROM cloud_keep_local"), "0");
+    EXPECT_FALSE(sheet.accounts().first().kept);
+    settle();
     sheet.retry();
+    EXPECT_TRUE(client.isLookingUp());
     settle();
     EXPECT_EQ(sheet.accounts().first().detail, "2 chats, 3 messages");
 

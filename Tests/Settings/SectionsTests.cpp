@@ -131,6 +131,8 @@ TEST_F(Sections, ofAccountsShowTheLastMessagesWhenTheyAreOpened)
         return list.rows()->index(0, 0).data(list.rows()->roleNames().key("lastMessage")).toString();
     };
     EXPECT_EQ(last(), "No messages yet");
+    AccountsView atStart({ accounts, world.engines, world.keychain }, paths, world.launcher, world.clock);
+    EXPECT_EQ(atStart.rows()->rowCount(), 1) << "what is connected already is there at once";
     view.setVisible(true);
     EXPECT_EQ(last(), "Last message 10:53");
 }
