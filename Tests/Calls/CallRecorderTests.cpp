@@ -1,4 +1,5 @@
 #include "CallTest.h"
+#include "Calls/SystemAudioCapture.h"
 #include "Foundation/Literals.h"
 
 using namespace corvane;
@@ -154,4 +155,83 @@ TEST_F(CallTest, aLongTranscriptIsSummarisedInPiecesOfWhichOneMayFail)
     processor->summarizeAgain(cell("SELECT id FROM call_recording;"));
     EXPECT_FALSE(cell("SELECT payload_json FROM crm_update_proposal WHERE kind='note';").contains("call Bo"));
     EXPECT_TRUE(cell("SELECT payload_json FROM crm_update_proposal WHERE kind='task';").contains("call Bo"));
+}
+
+TEST_F(CallTest, whatCannotBeRecordedIsSaid)
+{
+    const auto refused = [&] {
+        start("call");
+        EXPECT_FALSE(recorder->isRecording() || recorder->isStarting());
+        EXPECT_EQ(sleep.held, 0);
+        EXPECT_EQ(recorder->phase(), (CallPhase { Kind::Failed, recorder->statusText() }));
+        return recorder->statusText();
+    };
+    audio.broken = true;
+    EXPECT_EQ(refused(), "Could not start the microphone recorder.");
+    SystemAudioCapture capture(audio);
+    QString words;
+    capture.start(
+        m_home.path("system.m4a"), "", 0, [&](const Result<void>& started) { words = started.error().message; });
+    EXPECT_EQ(words, "Could not prepare system audio writer: the file cannot be created.");
+    capture.close();
+    capture.cancel();
+    audio.broken = false;
+    m_db->exec("ALTER TABLE call_recording RENAME TO away;");
+    EXPECT_EQ(refused(), "Local database is not ready.");
+    m_db->exec("ALTER TABLE away RENAME TO call_recording;");
+    EXPECT_EQ(rows(), QStringList());
+    QDir(m_home.paths().applicationSupport + "/media/calls").removeRecursively();
+    m_home.write("share/Corvane/media/calls", "a file");
+    EXPECT_TRUE(
+        refused().startsWith("The folder for the recording can't be created: " + m_home.paths().applicationSupport));
+    QFile::remove(m_home.paths().applicationSupport + "/media/calls");
+    lumo.machine.now.freeDiskBytes = 99'999'999;
+    EXPECT_EQ(refused(), "The disk is full. Make room for the recording.");
+    lumo.machine.now.freeDiskBytes = 100'000'000;
+    start("call");
+    EXPECT_TRUE(recorder->isRecording());
+    EXPECT_EQ(recorder->warningText(), "");
+    m_clock.advance(Milliseconds(300));
+    EXPECT_EQ(recorder->warningText(), "The disk is almost full. The recording stops when it is full.");
+    lumo.machine.now.freeDiskBytes = 500'000'000;
+    m_clock.advance(Milliseconds(4800));
+    EXPECT_NE(recorder->warningText(), "") << "looked at every five seconds";
+    m_clock.advance(Milliseconds(300));
+    EXPECT_EQ(recorder->warningText(), "");
+    lumo.machine.now.freeDiskBytes = -1;
+    m_clock.advance(Milliseconds(6000));
+    EXPECT_TRUE(recorder->isRecording()) << "it is unknown";
+    recorder->cancelActiveRecording();
+    EXPECT_EQ(recorder->statusText(), "Recording cancelled.");
+    EXPECT_EQ(recorder->phase(), CallPhase {});
+    EXPECT_EQ(sleep.held, 0);
+}
+
+TEST_F(CallTest, aCallIsSilentOnlyIfBothSidesAre)
+{
+    recorder->setSystemAudioEnabled(true);
+    const auto error = [](const QString& words) {
+        return TranscriptionOutcome(std::unexpected(SpeechTranscriberError::unavailable(words)));
+    };
+    const auto outcome = [&](const TranscriptionOutcome& system, const TranscriptionOutcome& mic) {
+        says["system"] = system;
+        says["mic"] = mic;
+        m_clock.advance(Milliseconds(1));
+        start("call");
+        const QString id = recorder->activeCallId();
+        recorder->stop();
+        return table("SELECT processing_status, processing_error FROM call_recording WHERE id=?;", { id }).value(0);
+    };
+    const TranscriptionOutcome nothing = silence();
+    EXPECT_EQ(outcome(nothing, nothing), "failed|Transcript was empty; summary skipped.");
+    EXPECT_EQ(recorder->statusText(), "Transcript was empty. Summary skipped.");
+    EXPECT_EQ(outcome(nothing, error("mic")), "failed|mic");
+    EXPECT_EQ(outcome(error("system"), nothing), "failed|system");
+    EXPECT_EQ(outcome(error("system"), error("mic")), "failed|system");
+    lumo.model.willAnswer(u"Summary: hello."_s);
+    EXPECT_EQ(outcome(error("system"), speech({ { 0, 1000, "hello" } })), "ready|-");
+    EXPECT_EQ(readTurns(QFileInfo(cell("SELECT mic_audio_path FROM call_recording ORDER BY started_at DESC;")).path()),
+        (QList<CallTurn> { { 0, 1000, "Me", "hello" } }));
+    EXPECT_EQ(heard.size(), 10);
+    EXPECT_EQ(sleep.held, 0);
 }

@@ -83,6 +83,12 @@ TEST_F(CallsViewTest, aCallShowsWhoSaidWhatAndPlaysFromThere)
     calls.setQuery("nothing like it");
     EXPECT_TRUE(await([&] { return calls.rows()->rowCount() == 0; }));
     EXPECT_EQ(calls.emptyTitle(), "No calls match “nothing like it”");
+    EXPECT_EQ(calls.emptyText(), "Titles, people, transcripts and summaries are searched.");
+    const QSignalSpy changed(&calls, &CallsView::changed);
+    calls.setQuery("nothing like it");
+    EXPECT_EQ(changed.size(), 0);
+    calls.setQuery({});
+    EXPECT_EQ(calls.rows()->rowCount(), 1);
 }
 
 TEST_F(CallsViewTest, whatACallProposesIsAppliedOnItsPage)
@@ -90,6 +96,10 @@ TEST_F(CallsViewTest, whatACallProposesIsAppliedOnItsPage)
     const QString id = record("Weekly");
     calls.select(id);
     ASSERT_EQ(proposals.rows().size(), 2);
+    m_db->run("UPDATE crm_update_proposal SET payload_json='{}' WHERE kind='task';", {});
+    proposals.applyProposal("proposal:" + id + ":task");
+    EXPECT_EQ(page.doneText(), "It was changed in the meantime. Please read it again.");
+    EXPECT_EQ(proposals.rows().value(0).state + proposals.rows().value(1).state, "");
     EXPECT_EQ(page.personName(), "") << "a person links it";
     page.people()->begin(id);
     page.people()->choose("ct:1");
@@ -196,6 +206,9 @@ TEST_F(CallsViewTest, soundThatIsOldEnoughGoesAndItsTextStays)
 TEST_F(CallsViewTest, everyStateOfACallHasItsWordAndItsAction)
 {
     EXPECT_EQ(calls.emptyTitle(), "No call recordings yet.");
+    EXPECT_TRUE(calls.emptyText().startsWith("Record a call, and its transcript"));
+    calls.step(1);
+    EXPECT_EQ(calls.selected(), "") << "there is none";
     EXPECT_EQ(calls.proposalsText(), "No pending call CRM proposals.");
     const QString first = record("First");
     EXPECT_EQ(calls.proposalsText(), "2 pending proposals ready for review.");

@@ -6,6 +6,8 @@
 #include "Support/Await.h"
 #include "Support/FakeCalendarSource.h"
 
+#include <QSignalSpy>
+
 using namespace corvane;
 
 namespace {
@@ -164,4 +166,83 @@ TEST_F(AutoRecordTest, theRuleIsKeptPerWorkspaceWithinItsLimits)
     automatic->setEnabled(true);
     EXPECT_EQ(table("SELECT workspace_id, enabled FROM call_recording_rule ORDER BY workspace_id;"),
         QStringList({ "local|1", "other|0" }));
+}
+
+TEST_F(AutoRecordTest, theSettingsReadAndWriteWhatTheRecorderUses)
+{
+    CallSettings settings(*recorder, *automatic);
+    const QSignalSpy changed(&settings, &CallSettings::changed);
+    EXPECT_FALSE(settings.autoRecord());
+    EXPECT_EQ(settings.autoRecordText(), "Auto-record is off.");
+    settings.setAutoRecord(true);
+    EXPECT_TRUE(settings.autoRecord());
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_EQ(settings.autoRecordText(), "Watching calendar for eligible meetings.");
+    EXPECT_FALSE(settings.requireMeetingApp());
+    const QString hint = "Such as Zoom, Teams or Signal; a browser counts while it uses the microphone.";
+    EXPECT_EQ(settings.requireMeetingAppHint(), hint);
+    programs.running = { { "ZOOM", "" }, { "", "org.signal.Signal" }, { "gedit", "" } };
+    settings.setRequireMeetingApp(true);
+    EXPECT_TRUE(settings.requireMeetingApp());
+    EXPECT_EQ(settings.requireMeetingAppHint(), hint + " Now: Signal, Zoom.");
+    settings.setLead("120");
+    settings.setGrace("0");
+    EXPECT_EQ(settings.lead() + ' ' + settings.grace(), "120 0");
+    EXPECT_EQ(settings.leads().size(), 5) << "it is one of them";
+    EXPECT_EQ(settings.leads().first(), (Choice { "0", "At its start" }));
+    EXPECT_EQ(settings.graces().first(), (Choice { "0", "At its end" }));
+    EXPECT_EQ(settings.graces().value(1), (Choice { "60", "1 minute after" }));
+    EXPECT_EQ(settings.graces().value(2), (Choice { "120", "2 minutes after" }));
+    EXPECT_FALSE(settings.systemAudio());
+    settings.setSystemAudio(true);
+    EXPECT_TRUE(settings.systemAudio());
+    EXPECT_EQ(settings.systemAudioStatus(), "System audio will be captured when a sound output is available.");
+    settings.setSystemAudio(false);
+    EXPECT_EQ(settings.systemAudioStatus(), "System audio capture is off.");
+    settings.setAutoRecord(false);
+    EXPECT_EQ(settings.requireMeetingAppHint(), hint) << "nobody looks for them";
+
+    auto before = changed.count();
+    EXPECT_FALSE(settings.alsoOnBattery() || settings.codexAllowed());
+    settings.setAlsoOnBattery(true);
+    settings.setCodexAllowed(true);
+    EXPECT_TRUE(settings.alsoOnBattery() && settings.codexAllowed());
+    EXPECT_EQ(changed.count(), before + 2);
+    says["mic"] = speech({ { 0, 1000, "hello" } });
+    lumo.model.willAnswer(QString("Summary: hello."));
+    start("old");
+    const QString sound = folder() + "/mic.m4a";
+    recorder->stop();
+    m_clock.setNowMs(m_clock.nowMs() + 8LL * 24 * 3600 * 1000);
+    before = changed.count();
+    settings.setKept("8");
+    settings.setKept("0");
+    EXPECT_EQ(changed.count(), before) << "no choice, and no change";
+    settings.setKept("30");
+    EXPECT_EQ(settings.kept(), "30");
+    EXPECT_GT(changed.count(), before);
+    EXPECT_TRUE(QFile::exists(sound));
+    settings.setKept("7");
+    EXPECT_FALSE(QFile::exists(sound)) << "at once";
+    EXPECT_EQ(settings.keeping().size(), 5);
+}
+
+TEST_F(AutoRecordTest, withoutACalendarOrADatabaseNothingIsRecorded)
+{
+    automatic->setEnabled(true);
+    plan({ meeting("Weekly", 0, 600) });
+    m_db->exec("ALTER TABLE call_auto_record_state RENAME TO away;");
+    EXPECT_EQ(after(15), "Weekly is not recorded: the database cannot be written.");
+    EXPECT_FALSE(recorder->isRecording());
+    m_db->exec("ALTER TABLE away RENAME TO call_auto_record_state;");
+    source.given = CalendarAccess::None;
+    calendar.refresh();
+    EXPECT_EQ(after(15), "Connect Calendar before auto-record can watch meetings.");
+    source.given = CalendarAccess::Full;
+    calendar.refresh();
+    CalendarEntry early = meeting("Early", -60, 600);
+    CalendarEntry whole = meeting("Whole", -120, 600);
+    whole.allDay = true;
+    plan({ meeting("Weekly", 0, 600), early, whole, meeting("Over", -600, 600) });
+    EXPECT_EQ(after(15), "Starting auto-record for Early.") << "the first of those that run";
 }
