@@ -180,8 +180,14 @@ TEST_F(MediaDecoderTest, whatIsNoPlainFileIsNotOpenedAndWhatIsTooLargeNotDecoded
     EXPECT_EQ(problem(home.path("gone.png")), DecodeFailure::Missing);
     EXPECT_EQ(problem(saved("edge.png", { 400'000, 1 })), DecodeFailure::TooManyPixels);
     EXPECT_EQ(problem(saved("thin.png", { 1, 500 })), DecodeFailure::TooManyPixels);
+    for (const QSize size : { QSize(500, 5), QSize(5, 500), QSize(30'000, 300) })
+        EXPECT_TRUE(picture(saved("edge.png", size)).has_value()) << size.width();
+    for (const QSize size : { QSize(501, 5), QSize(5, 501), QSize(30'001, 301) })
+        EXPECT_EQ(problem(saved("edge.png", size)), DecodeFailure::TooManyPixels) << size.width();
     QFile large(saved("large.png", { 10, 10 }));
-    ASSERT_TRUE(large.resize(65 << 20));
+    ASSERT_TRUE(large.resize(64 << 20));
+    EXPECT_TRUE(picture(large.fileName()).has_value());
+    ASSERT_TRUE(large.resize((64 << 20) + 1));
     EXPECT_EQ(problem(large.fileName()), DecodeFailure::TooLarge);
 }
 
@@ -243,6 +249,62 @@ TEST_F(MediaDecoderTest, itsEndWaitsForNoFileAndLeavesNoChild)
     EXPECT_TRUE(await([] { return children().isEmpty(); }));
     SeccompMediaDecoder missing(real.scheduler, home.path("no-such-program"), {});
     EXPECT_EQ(picture(missing, saved("a.png", { 9, 9 })).error(), DecodeFailure::Unavailable);
+}
+
+TEST_F(MediaDecoderTest, theMiddleOfAPictureIsShown)
+{
+    QImage striped(900, 300, QImage::Format_RGB32);
+    striped.fill(Qt::white);
+    for (int y = 0; y < 300; ++y)
+        for (int x = 0; x < 900; ++x)
+            if (x < 150 || x >= 750)
+                striped.setPixel(x, y, qRgb(255, 0, 0));
+            else if (x < 180 || y < 30)
+                striped.setPixel(x, y, qRgb(0, 0, 255));
+    ASSERT_TRUE(striped.save(home.path("striped.png")));
+    const auto pixels = picture(home.path("striped.png"));
+    ASSERT_TRUE(pixels.has_value());
+    ASSERT_EQ(pixels->size, QSize(200, 100));
+    const auto* const argb = reinterpret_cast<const QRgb*>(pixels->bytes.constData());
+    EXPECT_EQ(argb[50 * 200 + 4], qRgb(0, 0, 255)) << "what is left of it is cut off";
+    EXPECT_EQ(argb[50 * 200 + 20], qRgb(255, 255, 255));
+    EXPECT_EQ(argb[50 * 200 + 195], qRgb(255, 255, 255));
+    EXPECT_EQ(argb[4 * 200 + 100], qRgb(0, 0, 255));
+    EXPECT_EQ(picture(saved("tiny.png", { 1, 1 }), { 100, 1, 200 })->size, QSize(1, 1));
+    EXPECT_EQ(picture(saved("flat.png", { 400, 4 }), { 1, 1, 10 })->size, QSize(10, 1));
+}
+
+TEST_F(MediaDecoderTest, soundThatIsPlayedComesFirstAndAnIdleChildEnds)
+{
+    SeccompMediaDecoder decoder(real.scheduler, CORVANE_TEST_PROGRAMS "/DecoderProgram",
+        { .perFile = Milliseconds(60'000), .start = Milliseconds(60'000), .idle = Milliseconds(1) });
+    const QString still = saved("a.png", { 20, 20 });
+    const QString tone = made("a.wav", "sine=duration=1");
+    QStringList answered;
+    const auto pictureAs = [&](const QString& name) {
+        return decoder.picture(still, box, [&answered, name](const auto&) { answered.append(name); });
+    };
+    const auto soundAs = [&](const QString& name, SampleFormat format) {
+        return decoder.sound(tone, { 1, 0, 100, format }, [&answered, name](const auto& piece) {
+            answered.append(name + ' ' + QString::number(piece ? piece->samples.size() : -1));
+        });
+    };
+    const auto first = pictureAs("first");
+    const auto withdrawn = std::make_unique<MediaDecoder::Handle>(pictureAs("withdrawn"));
+    const auto second = pictureAs("second");
+    const auto speech = soundAs("speech", speechFormat);
+    const auto played = soundAs("played", { SoundPiece::rate, SoundPiece::channels });
+    withdrawn->reset();
+    EXPECT_TRUE(answered.isEmpty()) << "nothing is answered at once";
+    EXPECT_TRUE(await([&] { return answered.size() == 4; }));
+    EXPECT_EQ(answered, QStringList({ "played 200", "first", "second", "speech 100" }));
+    EXPECT_TRUE(await([] { return children().isEmpty(); }));
+    auto dropped = pictureAs("dropped");
+    EXPECT_TRUE(await([] { return !children().isEmpty(); }));
+    dropped.reset();
+    const auto next = pictureAs("next");
+    EXPECT_TRUE(await([&] { return answered.size() == 5; }));
+    EXPECT_EQ(answered.last(), "next") << "an answer that nobody waits for any more is dropped";
 }
 
 TEST_F(MediaDecoderTest, aSoundTellsItsLengthAndShapeAndItsPiecesJoin)
