@@ -1,5 +1,6 @@
 #include "Platform/Keychain.h"
 #include "Support/FakeKeyring.h"
+#include "Support/LogCapture.h"
 #include "Support/Print.h"
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
@@ -181,6 +182,7 @@ TEST(SecretFile, isReadByItsOwnerAloneAndNeverWhereItIsNotToBeTrusted)
     EXPECT_TRUE(secrets.write(places));
     ::umask(before);
     EXPECT_EQ(secrets.read(), places);
+    EXPECT_EQ(home.read(file), R"({"com.nimb.corvane":{"ann":"{\"x\":\"ü\"}\n","bob":true,"gone":null}})");
     EXPECT_EQ(modeOf(home.path(file)), 0600U);
     EXPECT_EQ(modeOf(home.path("share/Corvane/secrets")), 0700U);
     ::chmod(qPrintable(home.path(file)), 0644);
@@ -204,5 +206,12 @@ TEST(SecretFile, isReadByItsOwnerAloneAndNeverWhereItIsNotToBeTrusted)
     QFile::remove(home.path(file));
     ASSERT_EQ(::mkfifo(qPrintable(home.path(file)), 0600), 0);
     EXPECT_TRUE(secrets.read().isEmpty());
+    LogCapture log;
     EXPECT_FALSE(secrets.write(places)) << "what cannot be kept is left alone";
+    home.write("aside/x", {});
+    ASSERT_EQ(::symlink(qPrintable(home.path("aside")), qPrintable(home.path("link"))), 0);
+    EXPECT_FALSE(SecretFile(home.path("link/secrets.json")).write(places)) << "the folder is somewhere else";
+    EXPECT_FALSE(QFile::exists(home.path("aside/secrets.json")));
+    for (const QString& path : { home.path(file), home.path("link/secrets.json") })
+        EXPECT_TRUE(log.lines().contains("SecretFile: " + path + " cannot be written"));
 }

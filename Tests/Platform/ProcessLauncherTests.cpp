@@ -175,6 +175,16 @@ TEST_F(ProcessLauncherTest, aChildMayTalkOverDescriptorsOfItsOwn)
     EXPECT_EQ(watched->codes, QList<int> { 3 });
 }
 
+TEST_F(ProcessLauncherTest, aChildLeadsItsGroupAndABrokenPipeEndsIt)
+{
+    ProcessSpec spec = specOf({ u"-c"_s, u"ps -o pgid= -p $$ | tr -d ' '; kill -PIPE $$; echo alive"_s });
+    spec.executable = u"/bin/sh"_s;
+    const auto watched = startAs(spec);
+    ASSERT_TRUE(await([&] { return watched->ended(); }));
+    EXPECT_EQ(watched->text, QString::number(watched->child->pid()) + '\n');
+    EXPECT_EQ(watched->codes, QList<int> { -SIGPIPE });
+}
+
 TEST(WholeLines, aLineComesWholeAndOneThatNeverEndsIsDroppedAlone)
 {
     WholeLines lines;
@@ -236,6 +246,27 @@ TEST_F(ProcessLauncherTest, whatIsWrittenArrivesWholeThoughTheChildReadsLate)
     EXPECT_TRUE(watched->child->write(line));
     ASSERT_TRUE(await([&] { return watched->ended(); }));
     EXPECT_EQ(watched->text, u"counted %1\n"_s.arg(4001 * 1024)) << "what did not fit left no trace";
+
+    const QByteArray half(3 * 1024 * 1024, 'h');
+    const auto reader = start({ "count 2" });
+    ASSERT_TRUE(reader->child->write(half));
+    ASSERT_TRUE(await([&] { return reader->child->hasRead(half); }));
+    ASSERT_TRUE(reader->child->write('\n' + half)) << "what is read makes room";
+    ASSERT_TRUE(reader->child->write("\n"));
+    ASSERT_TRUE(await([&] { return reader->ended(); }));
+    EXPECT_EQ(reader->text, u"counted %1\n"_s.arg(2 * half.size() + 2));
+    const QByteArray most(4 * 1024 * 1024, 'm');
+    const auto deaf = start({ "hang" });
+    EXPECT_FALSE(deaf->child->write(most + 'm'));
+    ASSERT_TRUE(deaf->child->write(most));
+    const QByteArray queued(3 * 1024, 'q');
+    int count = 0;
+    while (deaf->child->write(queued))
+        ++count;
+    EXPECT_GT(count, 0) << "the pipe has taken a part";
+    ASSERT_TRUE(deaf->child->withdraw(queued));
+    EXPECT_TRUE(deaf->child->write(queued)) << "what is withdrawn makes room";
+    EXPECT_FALSE(deaf->child->write(queued));
 
     const auto echo = start({ "echo" });
     ASSERT_TRUE(echo->child->write("one\ntw"));

@@ -1,7 +1,9 @@
 #include "Platform/RunningPrograms.h"
 
+#include "Platform/ProcessTable.h"
 #include "Support/TemporaryHome.h"
 
+#include <QCoreApplication>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -27,4 +29,14 @@ TEST(RunningPrograms, eachIsToldByItsFileAndByWhatTheDesktopStartedItAs)
     const QList<RunningProgram> expected { { "bash", "" }, { "electron", "signal-desktop" }, { "part", "" },
         { "telegram-desktop", "org.telegram.desktop" }, { "zoom", "us.zoom.Zoom" } };
     EXPECT_EQ(found, expected);
+}
+
+TEST(ProcessTable, everyProcessIsThereWithItsCommandLine)
+{
+    QStringList own;
+    for (const QByteArray& line : processTable().split('\n'))
+        if (line.trimmed().startsWith(QByteArray::number(::getpid()) + ' '))
+            own.append(QString::fromUtf8(line));
+    ASSERT_EQ(own.size(), 1);
+    EXPECT_TRUE(own.first().contains(QCoreApplication::arguments().constFirst())) << own.first().toStdString();
 }

@@ -226,5 +226,7 @@ TEST_F(SingleInstanceTest, theRunningProgramAnswersWhatIsAskedOverTheBus)
     });
     EXPECT_EQ(ask("Who?"), "Ana.");
     EXPECT_EQ(ask("Why?"), "! No idea.");
-    EXPECT_EQ(ask(QString(70'000, 'x')), "! The question is too long.");
+    EXPECT_EQ(ask(QString(65'536, 'x')), "! No idea.");
+    EXPECT_EQ(ask(QString(65'537, 'x')), "! The question is too long.");
+    EXPECT_FALSE(askRunningProgram(home.paths(), noBus(), "Who?"));
 }
