@@ -307,6 +307,29 @@ TEST_F(MediaDecoderTest, soundThatIsPlayedComesFirstAndAnIdleChildEnds)
     EXPECT_EQ(answered.last(), "next") << "an answer that nobody waits for any more is dropped";
 }
 
+TEST_F(MediaDecoderTest, aChildThatDoesNotKeepToTheOrderOfMessagesIsEnded)
+{
+    const QString still = saved("a.png", { 9, 9 });
+    const auto answerOf = [&](const QByteArray& script) {
+        home.write("child", "#!/bin/sh\nsend() { head -c $1 /dev/zero >&0; }\n" + script);
+        QFile::setPermissions(home.path("child"), QFile::ReadOwner | QFile::ExeOwner);
+        SeccompMediaDecoder decoder(
+            real.scheduler, home.path("child"), { .perFile = Milliseconds(60'000), .start = Milliseconds(60'000) });
+        const auto answer = picture(decoder, still);
+        return answer ? DecodeFailure::Missing : answer.error();
+    };
+    // Zeros are the message that the child is ready.
+    const QByteArray ready = "send " + QByteArray::number(sizeof(DecodeHead)) + '\n';
+    const QByteArray takesOrder = ready + "head -c 1 <&0 >/dev/null\n";
+    EXPECT_EQ(answerOf("exit 0"), DecodeFailure::Unavailable);
+    EXPECT_EQ(answerOf("send 10"), DecodeFailure::Unavailable);
+    EXPECT_EQ(answerOf("send 1000; exec sleep 1000"), DecodeFailure::Unavailable) << "more than one message";
+    EXPECT_EQ(answerOf(takesOrder), DecodeFailure::Crashed);
+    EXPECT_EQ(answerOf(takesOrder + ready + "exec sleep 1000"), DecodeFailure::Crashed) << "no answer to the order";
+    EXPECT_EQ(log.lines().filter("can't be read safely").size(), 5);
+    EXPECT_TRUE(await([] { return children().isEmpty(); }));
+}
+
 TEST_F(MediaDecoderTest, aSoundTellsItsLengthAndShapeAndItsPiecesJoin)
 {
     const QString loudAtItsEnd = "sine=frequency=440:duration=2,volume='if(lt(t,1),0.01,1)':eval=frame";
