@@ -67,6 +67,17 @@ TEST_F(CallRecordsTest, aCallIsRecordedEndedTranscribedAndReadAgain)
     EXPECT_TRUE(callsWithSoundBefore(*m_db, 61'000).isEmpty());
     EXPECT_EQ(callsWithSoundBefore(*m_db, 61'001).size(), 1);
     EXPECT_EQ(transcriptText(*m_db, u"c"_s), u"what was said"_s);
+    const auto found = [&](const QString& text, const QString& workspace = u"w1"_s) {
+        QStringList ids;
+        for (const CallRecordingRow& row : findCallRecordings(*m_db, workspace, text, 9))
+            ids.append(row.id);
+        return ids.join(u',');
+    };
+    EXPECT_EQ(found(u"CALL c"_s) + u'|' + found(u"in short"_s) + u'|' + found(u"mine"_s) + u'|' + found(u"ana"_s),
+        u"c|c|old|c"_s)
+        << "by title, summary, transcript and name";
+    EXPECT_EQ(found({}), u"c,old"_s);
+    EXPECT_EQ(found(u"%"_s) + found(u"in short"_s, u"w2"_s), QString());
 
     selectWorkspace(*m_db, u"w2"_s);
     EXPECT_FALSE(fetchCall(*m_db, u"c"_s)) << "it is another workspace's";

@@ -130,6 +130,15 @@ TEST_F(LensTest, whatAChannelCarriesAndAProjectsDocumentAreKept)
     DevSRSRow none;
     none.projectId = u"new"_s;
     EXPECT_EQ(saveDevSRS(*m_db, none, none), DevSRSSaved::Saved);
+    m_db->exec("CREATE TRIGGER full BEFORE INSERT ON dev_srs BEGIN SELECT RAISE(ABORT, 'full'); END;");
+    project.id = u"q"_s;
+    EXPECT_FALSE(seedDevSRS(*m_db, project));
+    none.projectId = u"q"_s;
+    EXPECT_EQ(saveDevSRS(*m_db, none, none), DevSRSSaved::Failed);
+    m_db->exec("DROP TABLE dev_srs;");
+    EXPECT_FALSE(fetchDevSRS(*m_db, u"p"_s));
+    EXPECT_FALSE(seedDevSRS(*m_db, project));
+    EXPECT_EQ(saveDevSRS(*m_db, none, none), DevSRSSaved::Failed);
 }
 
 }

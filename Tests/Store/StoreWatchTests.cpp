@@ -3,6 +3,7 @@
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Core/StoreHealth.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Store/Search/MessageChanges.h"
 #include "Support/StoreTest.h"
 
 namespace corvane {
@@ -62,14 +63,22 @@ TEST_F(StoreWatchTest, whatAnotherProgramWritesIsToldOnceAndOnlyWhereItMayHaveCh
 TEST_F(StoreWatchTest, aSubjectWithTooManyRowsToCompareIsAlwaysTold)
 {
     OtherProcess other(path());
-    for (int i = 0; i < 250; ++i) {
-        m_clock.advance(Milliseconds(1)); // there are only 9000 different ids per millisecond
-        EXPECT_TRUE(queueDraft(*m_db, "wa:shop:c", QString::number(i), "compose"));
-    }
-    for (const char* title : { "x", "y" }) {
+    const auto queue = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            m_clock.advance(Milliseconds(1)); // there are only 9000 different ids per millisecond
+            EXPECT_TRUE(queueDraft(*m_db, "wa:shop:c", QString::number(i), "compose"));
+        }
+    };
+    const auto toldOfDrafts = [&](const char* title) {
         other.exec((QByteArray("UPDATE unified_conversation SET title='") + title + "';").constData());
-        EXPECT_TRUE(toldAfter(seconds(1)).contains(StoreSubject::Drafts));
-    }
+        return toldAfter(seconds(1)).contains(StoreSubject::Drafts);
+    };
+    queue(199);
+    EXPECT_TRUE(toldOfDrafts("w"));
+    EXPECT_FALSE(toldOfDrafts("x")) << "with the workspace 200 rows, which are compared";
+    queue(1);
+    for (const char* title : { "y", "z" })
+        EXPECT_TRUE(toldOfDrafts(title));
 }
 
 TEST_F(StoreWatchTest, whoListensToOneSubjectHearsNoOther)
@@ -101,6 +110,36 @@ TEST_F(StoreWatchTest, aClosedOrFaultyDatabaseIsLeftAloneAndEverythingIsToldAfte
     EXPECT_TRUE(toldAfter(seconds(60)).isEmpty());
     m_db->health().forget();
     EXPECT_EQ(toldAfter(seconds(1)), m_unproven);
+}
+
+TEST(MessageChanges, aRowCountsAsChangedUntilTheIndexHasIt)
+{
+    using Rows = QSet<qint64>;
+    MessageChanges changes;
+    changes.note(SQLITE_UPDATE, "unified_message", 1);
+    EXPECT_TRUE(changes.all().isEmpty()) << "no index follows";
+    EXPECT_FALSE(changes.isFollowed());
+    int told = 0;
+    changes.onChange([&] { ++told; });
+    EXPECT_TRUE(changes.isFollowed());
+    changes.note(SQLITE_UPDATE, "unified_message", 1);
+    changes.note(SQLITE_INSERT, "unified_message", 2);
+    changes.note(SQLITE_INSERT, "audio_transcript", 3);
+    changes.note(SQLITE_UPDATE, "contact", 4);
+    EXPECT_EQ(told, 3);
+    EXPECT_EQ(changes.all().messages, Rows { 1 }) << "a new one is found without";
+    EXPECT_EQ(changes.all().transcripts, Rows { 3 });
+    EXPECT_EQ(changes.take(1).messages, Rows { 1 });
+    changes.note(SQLITE_UPDATE, "unified_message", 5);
+    EXPECT_EQ(changes.take(1).messages, Rows { 1 }) << "until that one is done";
+    EXPECT_EQ(changes.all().messages, (Rows { 1, 5 }));
+    changes.notTaken();
+    EXPECT_EQ(changes.take().messages, (Rows { 1, 5 }));
+    EXPECT_EQ(changes.take().transcripts, Rows { 3 });
+    changes.note(SQLITE_UPDATE, "unified_message", 1);
+    changes.taken();
+    EXPECT_EQ(changes.all().messages, Rows { 1 }) << "it changed again meanwhile";
+    EXPECT_TRUE(changes.all().transcripts.isEmpty());
 }
 
 }

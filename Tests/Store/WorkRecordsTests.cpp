@@ -197,7 +197,9 @@ TEST_F(WorkRecordsTest, theDigestCountsTheDay)
                   "VALUES(?,'local',?,?,?,?,0);",
             { QString::fromUtf8(title), QString::fromUtf8(title), at, at + 1, allDay });
     };
+    EXPECT_FALSE(hasCalendar(*m_db));
     meeting("before", now - 1, 0);
+    EXPECT_TRUE(hasCalendar(*m_db));
     meeting("next", now + 1, 0);
     meeting("later", now + 2, 0);
     meeting("holiday", start, 1);

@@ -446,4 +446,27 @@ TEST_F(Hubs, lumoSaysWhatItKnowsAndWhichAgentsAreSilent)
         QStringList("lumo|fact|We fire on Mondays|lumo-hub|medium|proposed|Oskel"));
 }
 
+TEST_F(Hubs, aSenderIsAProgramByItsAddressOrByItsNumbers)
+{
+    const auto isProgram
+        = [](const QString& channel, const QString& handle, int unanswered = 1, bool answered = false) {
+              WaitingPerson person;
+              person.channel = channel;
+              person.handles = { u"ana@x.example"_s, handle };
+              person.unanswered = unanswered;
+              person.everAnswered = answered;
+              return isAutomatic(person);
+          };
+    for (const char* handle : { "No-Reply@x.example", "donotreply+1@x.example", "Mailer-Daemon@x.example",
+             "alerts@x.example", "notify@x.example", "news.letter@x.example" })
+        EXPECT_TRUE(isProgram(u"EMAIL"_s, QString::fromLatin1(handle))) << handle;
+    for (const char* handle : { "ana@noreply.example", "alertsandmore@x.example", "robot@x.example", "weatherbot" })
+        EXPECT_FALSE(isProgram(u"EMAIL"_s, QString::fromLatin1(handle))) << handle;
+    EXPECT_TRUE(isProgram(u"TELEGRAM"_s, u"WeatherBot"_s));
+    EXPECT_FALSE(isProgram(u"TELEGRAM"_s, u"botany"_s));
+    EXPECT_TRUE(isProgram(u"SMS"_s, u"34"_s, 30));
+    EXPECT_FALSE(isProgram(u"SMS"_s, u"34"_s, 29));
+    EXPECT_FALSE(isProgram(u"SMS"_s, u"34"_s, 300, true)) << "somebody answered it";
+}
+
 }
