@@ -185,3 +185,36 @@ TEST_F(EngineSpecTest, aBrowserDrivenEngineIsHiddenOnceItsProfileExists)
         engineSpec(world.home.paths(), world.keychain, withProfile).environment.value(u"LINKEDIN_CHROME_PROFILE"_s),
         u"Work"_s);
 }
+
+TEST_F(EngineSpecTest, anExitIsToldInWordsThatHelp)
+{
+    world.home.write(u"engine/main.ts"_s, "");
+    ProcessSpec node;
+    node.executable = u"/opt/node"_s;
+    node.arguments = { u"--flag"_s, world.home.path(u"engine/main.ts"_s) };
+    EXPECT_EQ(exitWords(node, 0), u"Ended by itself"_s);
+    EXPECT_EQ(exitWords(node, 3), u"Ended with exit code 3"_s);
+    EXPECT_EQ(exitWords(node, 127), u"Ended with exit code 127"_s);
+    EXPECT_EQ(exitWords(node, -9), u"Ended by signal 9 (Killed)"_s);
+    EXPECT_EQ(exitWords(node, 9), u"/opt/node is too old. Engines need Node 22.6 or newer."_s);
+    QFile::remove(node.arguments.last());
+    EXPECT_EQ(exitWords(node, 0), u"Ended by itself"_s);
+    EXPECT_EQ(exitWords(node, 1), u"The engine's program is missing: "_s + node.arguments.last());
+    node.arguments.clear();
+    EXPECT_EQ(exitWords(node, 1), u"Ended with exit code 1"_s);
+    node.executable = u"/usr/bin/env"_s;
+    EXPECT_EQ(exitWords(node, 127), u"Node was not found. Engines need Node 22.6 or newer."_s);
+    EXPECT_EQ(exitWords(node, 126), u"Ended with exit code 126"_s);
+}
+
+TEST_F(EngineSpecTest, everyEngineWithAMemoryIsAskedToRetell)
+{
+    const QString engines = u"share/Corvane/engines/"_s;
+    world.home.write(engines + u"shop/state.sqlite"_s, "x");
+    world.home.write(engines + u"mail/retell/in the way"_s, "x");
+    const LogCapture logs;
+    askToRetell(world.home.paths());
+    EXPECT_TRUE(QFile::exists(world.home.path(engines + u"shop/retell"_s)));
+    ASSERT_EQ(logs.lines().size(), 1);
+    EXPECT_TRUE(logs.contains(u"The engine of mail cannot be asked to retell: "_s));
+}

@@ -116,3 +116,15 @@ TEST_F(OutboxTest, aDraftGetsItsOwnCopyOfExactlyWhatWasPicked)
     outbox.keepPicked({});
     EXPECT_EQ(kept(u"picked"_s), QStringList());
 }
+
+TEST_F(OutboxTest, whatCannotBeCopiedIsSaidAndLeavesNothing)
+{
+    home.write(u"share/Corvane/outbox"_s, "a file where the folder belongs");
+    const auto pasted = outbox.pick(u"shot.png"_s, QByteArray("picture"));
+    ASSERT_FALSE(pasted);
+    EXPECT_EQ(pasted.error().message, u"shot.png can't be attached. It couldn't be copied."_s);
+    const auto picked = outbox.pick(file(u"plan.pdf"_s, "the plan"));
+    ASSERT_FALSE(picked);
+    EXPECT_TRUE(picked.error().message.startsWith(u"plan.pdf can't be attached. "_s));
+    EXPECT_EQ(home.read(u"share/Corvane/outbox"_s), "a file where the folder belongs");
+}
