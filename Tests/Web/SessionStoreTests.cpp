@@ -295,9 +295,12 @@ TEST_F(Session, aLinkThatNobodyHereAskedForWaitsForTheUsersWord)
 {
     const QUrl link("nimb-companion://auth?code=abc");
     answerWell();
+    const LogCapture logs;
     session->handleCallback(link);
     EXPECT_TRUE(session->asksAboutLink());
+    EXPECT_EQ(logs.lines(), QStringList("SessionStore: a sign-in link that was not asked for waits for the user"));
     session->ignoreLink();
+    EXPECT_FALSE(session->asksAboutLink());
     session->startSignIn();
     clock.advance(seconds(601));
     session->handleCallback(link);

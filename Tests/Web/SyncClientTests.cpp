@@ -59,6 +59,12 @@ TEST_F(SyncClientTest, whatIsDueArrivesOnceAndInItsShape)
     EXPECT_EQ(web.counts(), "2 3 4");
     EXPECT_EQ(web.requests("/messages ->"), 4) << "one request a message, and one run at a time";
     EXPECT_EQ(client->lastSyncedMessages(), 4);
+    EXPECT_EQ(client->lastSyncedThreads(), 3);
+    const SyncClient::Progress& progress = client->progress();
+    EXPECT_EQ(progress.chats, 3);
+    EXPECT_EQ(progress.allChats, 3);
+    EXPECT_EQ(progress.messages, 4);
+    EXPECT_EQ(progress.allMessages, 4);
     EXPECT_EQ(cursors(), "9|- 3|1@s.whatsapp.net-3 1|2@g.us-1");
     EXPECT_EQ(health(), "ok|");
     EXPECT_TRUE(cell("SELECT counts_json FROM sync_health").contains(R"("localMessages":4)"));
