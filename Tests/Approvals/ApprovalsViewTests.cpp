@@ -337,6 +337,11 @@ TEST_F(ApprovalsViewTest, theListOfTheDecidedFollowsWhileItIsShownAndReadsOlderL
     const QSignalSpy changes(&log, &DecisionLog::changed);
     view.refresh();
     EXPECT_EQ(changes.size(), 0);
+    writeDecision(db(), "w0", "Deploy", "", "", "");
+    EXPECT_EQ(view.count(), 0);
+    view.refresh();
+    EXPECT_EQ(view.count(), 1);
+    db().exec("DELETE FROM work_decision;");
     EXPECT_TRUE(log.emptyText().startsWith("What you approve, apply or reject appears here"));
     log.setShown(true);
     log.setShown(true);

@@ -43,6 +43,16 @@ protected:
         clock.advance(seconds(5));
     }
 
+    /// What the first row offers.
+    QString offered()
+    {
+        QStringList ids;
+        for (const DraftAction& action :
+            static_cast<RowListModel<PendingDraftItem>*>(drafts.rows())->rows().first().actions)
+            ids.append(action.id + u':' + action.label);
+        return ids.join(u',');
+    }
+
     qsizetype sent() { return launcher.last().commands().size(); }
     QString status(const QString& id) { return cell("SELECT status FROM outbound_draft WHERE id=?;", { id }); }
     QString shown(const QByteArray& role)
@@ -151,8 +161,10 @@ TEST_F(PendingDraftsTest, whatWaitsForItsEngineOrWasPlacedCanBeDealtWith)
     EXPECT_EQ(shown("title"), "Approved for Ana Ruiz · WHATSAPP");
     EXPECT_EQ(shown("stateText"), "Waits for the engine of Main");
     EXPECT_EQ(shown("failureReason"), "The account is signed out. Sign in again in Settings.");
+    EXPECT_EQ(offered(), "start:Start,takeBack:Take back,reject:Reject");
     panel.perform("draft:" + id, "takeBack");
     EXPECT_EQ(status(id), "pending");
+    EXPECT_EQ(offered(), "");
     send(id);
     launcher.expect(FakeLauncher::stays());
     drafts.perform(id, "start");
@@ -167,7 +179,11 @@ TEST_F(PendingDraftsTest, whatWaitsForItsEngineOrWasPlacedCanBeDealtWith)
     send(id);
     launcher.last().printEvent({ { "type", "sendAck" }, { "draftId", id }, { "status", "placed" } });
     settle();
+    EXPECT_EQ(offered(), "confirmSent:It was sent,reject:Discard");
     drafts.perform(id, "reject");
+    EXPECT_EQ(offered(), "") << "during the countdown";
+    drafts.perform(id, "confirmSent");
+    EXPECT_EQ(status(id), "placed");
     drafts.undo(id);
     drafts.perform(id, "confirmSent");
     clock.advance(seconds(5));

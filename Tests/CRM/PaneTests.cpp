@@ -148,6 +148,13 @@ TEST_F(Pane, aSuggestionNamesTheOtherOneAndIsTakenRefusedOrTakenBack)
 TEST_F(Pane, aDealIsAddedOnlyWithAPersonAndANameAndOlderNotesOnDemand)
 {
     DealForm& form = *pane.dealForm();
+    EXPECT_EQ(form.title() + form.stage(), "Add Deal" + pane.stages().first());
+    form.open();
+    const QSignalSpy closes(&form, &DealForm::changed);
+    form.close();
+    form.close();
+    EXPECT_EQ(closes.size(), 1);
+    EXPECT_FALSE(form.isOpen());
     form.open();
     form.field(u"name"_s).type(u"Plates"_s);
     EXPECT_FALSE(form.complete()) << "with nobody";

@@ -99,3 +99,53 @@ TEST_F(VoiceTranscriptTest, whatIsDictatedStandsAtTheCursorAndItsSoundIsGone)
     dictation.cancel();
     EXPECT_EQ(dictation.stateWord(), "idle");
 }
+
+TEST_F(VoiceTranscriptTest, whatIsDictatedToSomebodyWhoIsLeftStandsInTheirText)
+{
+    Composer& composer = *inbox.reply()->composer();
+    ComposerVoice& speech = *composer.voice();
+    composer.setText("So");
+    const QSignalSpy here(&speech, &ComposerVoice::dictated);
+    const QSignalSpy there(&speech, &ComposerVoice::dictatedTo);
+    speech.dictate();
+    microphone.answer(MicrophoneAccess::Granted);
+    QFile sound(spoken);
+    ASSERT_TRUE(sound.open(QIODevice::ReadOnly));
+    microphone.recording->sound = sound.readAll();
+    microphone.recording->seconds = 3;
+    inbox.person()->select(ben);
+    ASSERT_TRUE(await([&] { return !there.isEmpty(); }));
+    EXPECT_EQ(here.size(), 0);
+    EXPECT_EQ(composer.text(), "");
+    inbox.person()->select(ana);
+    EXPECT_EQ(composer.text(), "So " + there.first().at(1).toString());
+    clock.advance(seconds(4));
+    EXPECT_EQ(speech.dictation()->stateText(), "");
+}
+
+TEST_F(VoiceTranscriptTest, aDictationSaysWhatIsMissingAndEndsWithItsKey)
+{
+    ComposerVoice& speech = *inbox.reply()->composer()->voice();
+    ComposerDictation& dictation = *speech.dictation();
+    defaults.setText("nimb.dictationLocale", "de");
+    speech.dictate();
+    EXPECT_EQ(dictation.stateText(), "Dictation in German needs a speech model.");
+    EXPECT_FALSE(dictation.active());
+    defaults.setText("nimb.dictationLocale", "en");
+    dictation.start({});
+    EXPECT_FALSE(dictation.active()) << "to nobody";
+    speech.dictate();
+    EXPECT_EQ(dictation.stateText(), "Asking for the microphone…");
+    dictation.letGo();
+    EXPECT_EQ(dictation.stateWord() + dictation.stateText(), "idle");
+    speech.dictate();
+    microphone.answer(MicrophoneAccess::Granted);
+    EXPECT_TRUE(dictation.active());
+    dictation.letGo();
+    EXPECT_EQ(dictation.stateWord() + ": " + dictation.stateText(), "error: Nothing was recorded.");
+    inbox.person()->select({});
+    speech.dictate();
+    speech.startNote();
+    EXPECT_FALSE(dictation.active());
+    EXPECT_TRUE(speech.note()->idle());
+}
