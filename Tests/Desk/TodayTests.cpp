@@ -177,6 +177,11 @@ TEST_F(Today, eachCountIsSaidInItsOwnWords)
     EXPECT_EQ(actions,
         (QStringList { "approvals approvals", "hub-inbox inbox", "hub-ops ops", "view-calendar calendar", "hub-dev dev",
             "note ops", "link settings", "list-add capture" }));
+    const QString conversation = ensureConversation(db, "WHATSAPP", "main", "49171@s.whatsapp.net", "Ana Ruiz", now);
+    raiseUnread(db, conversation);
+    world.engines.refreshUnreadBadge();
+    EXPECT_EQ(lines().value(1), "1 unread messages") << "at once";
+    EXPECT_EQ(view.glance().size(), 1);
     session.setAuth("token", "d");
     session.setWebRejected(true);
     EXPECT_EQ(view.noticeText(), "LinkedIn/web inbox can't mirror until you sign in again.");

@@ -1,5 +1,7 @@
 #include "Approvals/ApprovalsStore.h"
 #include "Calls/CallServices.h"
+#include "Desk/QuickCapture.h"
+#include "Dev/TerminalWorkspaceView.h"
 #include "Engines/AccountStore.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
@@ -17,6 +19,7 @@
 #include "Support/TemporaryHome.h"
 #include "Support/VirtualScheduler.h"
 #include "Support/WaitingItems.h"
+#include "Terminals/TerminalsView.h"
 #include "Voice/DictationAnywhere.h"
 #include "Web/SessionStore.h"
 
@@ -256,4 +259,77 @@ TEST_F(CorvaneAppTest, whereAWindowTakesTheFocusDictationSpeaksByABanner)
     app->quit();
     clock.advance(Milliseconds(1600));
     EXPECT_TRUE(banners->withdrawn.contains("dictation"));
+}
+
+TEST_F(CorvaneAppTest, whatALaterStartAsksForIsDoneByTheRunningProgram)
+{
+    for (const QStringList& arguments :
+        { QStringList { "record" }, QStringList { "mark" }, QStringList { "--toggle-dictation" } })
+        EXPECT_TRUE(CorvaneApp::isForRunning(arguments));
+    for (const QStringList& arguments :
+        { QStringList {}, QStringList { "capture" }, QStringList { "record", "now" }, QStringList { "--background" } })
+        EXPECT_FALSE(CorvaneApp::isForRunning(arguments));
+    build({});
+    appear(0);
+    const QSignalSpy windowRequested(app.get(), &CorvaneApp::windowRequested);
+    app->open({ "--background" });
+    app->open({ "capture" });
+    EXPECT_TRUE(app->capture().isVisible());
+    app->open({ "capture" });
+    EXPECT_FALSE(app->capture().isVisible());
+    EXPECT_EQ(windowRequested.size(), 0);
+    app->open({});
+    EXPECT_EQ(windowRequested.size(), 1);
+    app->open({ "capture", "more" });
+    EXPECT_FALSE(app->capture().isVisible());
+    EXPECT_EQ(windowRequested.size(), 2);
+    app->quit();
+    for (const QStringList& arguments : { QStringList {}, QStringList { "capture" }, QStringList { "record" } })
+        app->open(arguments);
+    app->commands().run("openWindow");
+    EXPECT_EQ(windowRequested.size(), 2) << "it ends";
+    EXPECT_FALSE(app->capture().isVisible());
+}
+
+TEST_F(CorvaneAppTest, everyAccountThatIsNotPausedStartsWhenAllAreAskedFor)
+{
+    build({ account("first", "WHATSAPP", false, std::nullopt), account("paused", "WHATSAPP", true, true),
+        account("telegram", "TELEGRAM", false, false) });
+    launcher->expect(FakeLauncher::stays(), 2);
+    app->startAllEngines();
+    EXPECT_EQ(startedEngines(), QStringList({ "first", "telegram" }));
+}
+
+TEST_F(CorvaneAppTest, aQuitAsksWhereAProgramStillRunsInATerminal)
+{
+    build({});
+    Screens screens(*app);
+    const QSignalSpy windowRequested(app.get(), &CorvaneApp::windowRequested);
+    const QSignalSpy quitting(app.get(), &CorvaneApp::quitting);
+    LumoTerminalSession& session
+        = screens.terminals->createLocalSession("test", { "/bin/sh", { "-c", "printf ready; exec cat" }, {}, {}, {} });
+    session.view({ 60, 10 });
+    ASSERT_TRUE(await([&] { return session.runningCommand() == "cat"; }));
+    screens.dev->setWorkspaceTab(DevWorkspaceTab::Tasks);
+    app->commands().run("quit");
+    EXPECT_EQ(quitting.size(), 0);
+    EXPECT_EQ(windowRequested.size(), 1);
+    EXPECT_EQ(screens.shell->selectedNav() + ' ' + screens.dev->tab(), "dev terminal");
+    EXPECT_TRUE(screens.terminals->question()->text().contains("cat"));
+    screens.terminals->question()->answer(false);
+    EXPECT_EQ(quitting.size(), 0);
+    app->commands().run("quit");
+    screens.terminals->question()->answer(true);
+    EXPECT_EQ(quitting.size(), 1);
+}
+
+TEST_F(CorvaneAppTest, whereNothingRunsAQuitEndsAtOnce)
+{
+    build({});
+    Screens screens(*app);
+    const QSignalSpy windowRequested(app.get(), &CorvaneApp::windowRequested);
+    const QSignalSpy quitting(app.get(), &CorvaneApp::quitting);
+    app->commands().run("quit");
+    EXPECT_EQ(quitting.size(), 1);
+    EXPECT_EQ(windowRequested.size(), 0);
 }

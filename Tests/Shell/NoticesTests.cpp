@@ -17,6 +17,7 @@
 #include "Support/VirtualScheduler.h"
 
 #include <QDir>
+#include <QSignalSpy>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
@@ -96,8 +97,10 @@ TEST_F(NoticesTest, aLockedKeyringIsTheNoticeOfTheAccountsThatWaitForIt)
                     "unlock=Unlock…"));
     keyring.failure.reset();
     const int asked = keyring.asked;
+    const QSignalSpy changes(screens->notices.get(), &Notices::changed);
     screens->notices->perform(u"keyring"_s, u"unlock"_s);
     EXPECT_GT(keyring.asked, asked);
+    EXPECT_GT(changes.size(), 0);
     EXPECT_EQ(shown(), QStringList());
 }
 
@@ -202,6 +205,12 @@ TEST_F(NoticesTest, theTraysMenuLeadsWithTheRunningRecording)
     auto& audio = played<FakeCallAudio>(machine.callAudio);
     start();
     const QStringList before = tray->labels;
+    const QSignalSpy windows(app.get(), &CorvaneApp::windowRequested);
+    const QSignalSpy panels(app.get(), &CorvaneApp::panelRequested);
+    Q_EMIT tray->itemChosen(u"trouble"_s);
+    EXPECT_EQ(windows.size(), 1) << "the window explains it";
+    Q_EMIT tray->activated({ 1, 2 });
+    EXPECT_EQ(panels.size(), 1);
     app->calls().recorder.start(u"Weekly"_s, {});
     microphone.answer(MicrophoneAccess::Granted);
     QStringList recording { "Stop Recording (0 min)", "Mark This Moment", "" };
@@ -214,4 +223,8 @@ TEST_F(NoticesTest, theTraysMenuLeadsWithTheRunningRecording)
     app->calls().recorder.stop();
     EXPECT_FALSE(tray->isRecording);
     EXPECT_EQ(tray->labels, before);
+    app->quit();
+    Q_EMIT tray->activated({ 1, 2 });
+    Q_EMIT tray->itemChosen(u"openWindow"_s);
+    EXPECT_EQ(panels.size() + windows.size(), 2) << "it ends";
 }

@@ -194,6 +194,9 @@ TEST_F(Places, aCommandLeadsToItsScreen)
     EXPECT_EQ(ran("calls"), "cx+calls");
     commands.run(u"calls"_s);
     EXPECT_EQ(place(), "cx");
+    EXPECT_EQ(ran("openCalls"), "cx+calls");
+    commands.run(u"openCalls"_s);
+    EXPECT_EQ(place(), "cx+calls");
     EXPECT_EQ(ran("newMessage"), "inbox");
     EXPECT_TRUE(screens.inbox->composeSheet()->shown());
     screens.inbox->composeSheet()->close();
@@ -232,7 +235,9 @@ TEST_F(Places, theCommandsOfDevOpenItsTabs)
         EXPECT_EQ(command->action, u"Workspace: "_s + tab.label);
         EXPECT_EQ(ran(command->id.toLatin1().constData()), u"dev "_s + tab.id);
     }
+    const QSignalSpy copies(screens.dev->assistant(), &DevAssistant::copyRequested);
     EXPECT_EQ(ran("copyPacket"), "dev assistant");
+    EXPECT_EQ(copies.size(), 1);
     EXPECT_TRUE(ran("newProject").startsWith("dev "));
     EXPECT_TRUE(screens.dev->rail()->form()->isOpen());
     shell.selectHub(u"cx"_s);
@@ -277,6 +282,8 @@ TEST_F(Places, theBarCountsUrgentQuestions)
     screens.ops->shell()->setShown(true);
     EXPECT_EQ(ops(), "1|1 urgent");
     EXPECT_EQ(column(hubs, "badge")[4], "");
+    ASSERT_FALSE(shell.help().isEmpty());
+    EXPECT_FALSE(shell.help().first().title.isEmpty() || shell.help().first().text.isEmpty());
     EXPECT_EQ(shell.page().fileName(), "InboxPage.qml");
     shell.selectHub(u"dev"_s);
     EXPECT_EQ(shell.page().fileName(), "DevPage.qml");
