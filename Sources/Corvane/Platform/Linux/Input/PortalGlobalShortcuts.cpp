@@ -123,10 +123,7 @@ void PortalGlobalShortcuts::openSession()
     if (m_session.isEmpty())
         return createSession();
     m_isBusy = true;
-    callAsync(m_bus, closing(), this, [this](const QDBusMessage&) {
-        m_isBusy = false;
-        createSession();
-    });
+    callAsync(m_bus, closing(), this, [this](const QDBusMessage&) { createSession(); });
     m_session.clear();
 }
 
