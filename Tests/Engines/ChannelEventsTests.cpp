@@ -76,3 +76,15 @@ TEST_F(ChannelEvents, whatAChannelCarriesIsRememberedWithoutItsEngine)
     EXPECT_EQ(features(R"("files":true)"), (ChannelFeatures { true, std::nullopt, false })) << "whole, not in parts";
     EXPECT_EQ(changes, 2);
 }
+
+TEST_F(ChannelEvents, onlyWhatWasStoredCountsAsHandled)
+{
+    QStringList handled;
+    QObject::connect(&world.engines, &EngineManager::eventHandled, &world.engines,
+        [&](const QString& slug, const QString& type) { handled.append(slug + u' ' + type); });
+    message();
+    report({ { u"type"_s, u"reaction"_s }, { u"emoji"_s, u"+"_s } });
+    report({ { u"type"_s, u"reaction"_s }, { u"targetProviderMsgId"_s, u"m1"_s }, { u"emoji"_s, u"+"_s } });
+    report({ { u"type"_s, u"log"_s }, { u"msg"_s, u"done"_s } });
+    EXPECT_EQ(handled, QStringList({ u"shop message"_s, u"shop reaction"_s, u"shop log"_s }));
+}

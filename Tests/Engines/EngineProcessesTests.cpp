@@ -1,4 +1,5 @@
 #include "EngineTest.h"
+#include "Engines/AccountStore.h"
 #include "Foundation/Literals.h"
 
 #include <QDir>
@@ -71,6 +72,7 @@ TEST_F(Supervisor, aConnectionGivesTheWholeBudgetBack)
 TEST_F(Supervisor, whatAnEnginePrintsLastCountsBeforeItsExit)
 {
     startShop();
+    world.launcher.last().printEvent({ { u"body"_s, u"an event without a type"_s } });
     for (int i = 0; i < 20; ++i)
         world.launcher.last().printEvent({ { u"type"_s, u"log"_s }, { u"msg"_s, QString::number(i) } });
     world.launcher.last().printEvent({ { u"type"_s, u"status"_s }, { u"state"_s, u"logged_out"_s } });
@@ -187,6 +189,26 @@ TEST_F(Supervisor, howAnEngineEndedStandsBesideItsAccount)
     world.launcher.last().exit(1);
     world.settle();
     EXPECT_TRUE(runtime().lastExit.startsWith(u"The engine's program is missing: /"_s));
+}
+
+TEST_F(Supervisor, aResumeTakesThePauseOfTheAccountAway)
+{
+    AccountStore accounts(world.home.paths().applicationSupport);
+    world.engines.setAccounts(&accounts);
+    world.launcher.expect(FakeLauncher::stays(), 2);
+    Account paused = accounts.add(u"Paused"_s, Channel::WhatsApp);
+    paused.paused = true;
+    accounts.update(paused);
+    const Account never = accounts.add(u"Never"_s, Channel::WhatsApp);
+    int changes = 0;
+    QObject::connect(&accounts, &AccountStore::accountsChanged, &accounts, [&] { ++changes; });
+    world.engines.resume(never);
+    EXPECT_EQ(changes, 0);
+    world.engines.resume(paused);
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(accounts.find(paused.id)->paused, false);
+    EXPECT_EQ(launches(), 2);
+    world.engines.setAccounts(nullptr);
 }
 
 TEST_F(Supervisor, whatAnEarlierRunLeftIsAskedToEndAndKilledAfterFiveSeconds)

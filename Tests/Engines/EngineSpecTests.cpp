@@ -100,6 +100,7 @@ TEST_F(EngineSpecTest, anEngineIsNodeWithCappedHeapAndTheScriptsWholePath)
     EXPECT_EQ(environment.value(u"CORVANE_SOMETHING"_s), u"inherited"_s);
     EXPECT_EQ(environment.value(u"CORVANE_ACCOUNT"_s), u"shop"_s);
     EXPECT_EQ(environment.value(u"CORVANE_STATE_DIR"_s), memoryFolder(world.home.paths(), unknown));
+    EXPECT_TRUE(environment.value(u"CORVANE_MEDIA_DIR"_s).startsWith(world.home.path(QString())));
     EXPECT_FALSE(environment.contains(u"MCP_HTTP_PORT"_s));
 
     setVariable("PATH", QByteArray());
