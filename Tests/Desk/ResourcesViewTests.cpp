@@ -158,3 +158,14 @@ TEST_F(Resources, aProcessThatHasEndedIsNamedAndItsQuestionGoes)
     view.terminate();
     EXPECT_EQ(view.notice(), "");
 }
+
+TEST(ResourcesWithoutAMonitor, nothingIsReadAndNothingIsShown)
+{
+    ResourcesView view;
+    EXPECT_FALSE(view.hasMonitor());
+    view.setShown(true);
+    EXPECT_EQ(view.processes()->rowCount(), 0);
+    EXPECT_EQ(view.emptyText(), "The processes are being read.");
+    view.terminate();
+    EXPECT_EQ(view.notice(), "");
+}
