@@ -308,7 +308,9 @@ TEST_F(CallsViewTest, theRecordingSaysWhatRunsAndWhyItDoesNot)
     EXPECT_EQ(recording.errorText(), "The recording could not be written and was stopped: no room.");
     EXPECT_EQ(recording.level(), 0);
     EXPECT_EQ(sleep.held, 0);
+    const QSignalSpy ticked(&recording, &RecordingView::ticked);
     start("By hand");
+    EXPECT_GT(ticked.size(), 0) << "at once";
     EXPECT_FALSE(recording.beganByItself());
 }
 
@@ -422,6 +424,17 @@ TEST(CallPlayers, bothSidesStayTogetherAndOneIsAlwaysHeard)
     player.setSystemOn(false);
     mine.enter(AudioPlayer::State::Failed);
     EXPECT_EQ(player.problem(), "This machine has no sound output.");
+    player.setSystemOn(true);
+    player.setMicrophoneOn(true);
+    for (const auto& [first, second, ms] :
+        { std::tuple { "mic", "other", 10'000 }, { "new", "other", 10'000 }, { "new", "other", 9000 } }) {
+        player.playFrom(1000);
+        player.open(first, second, ms);
+        EXPECT_EQ(player.state(), "idle") << "another sound";
+        player.playFrom(1000);
+        player.open(first, second, ms);
+        EXPECT_EQ(player.state(), "playing") << "the same one goes on";
+    }
     player.open("other", {}, 0);
     EXPECT_TRUE(player.systemOn());
     EXPECT_FALSE(player.hasBoth());
