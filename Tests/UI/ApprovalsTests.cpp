@@ -4,7 +4,7 @@
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
-#include "Inbox/InboxView.h"
+#include "Inbox/OpenPerson.h"
 #include "Settings/IntegrationsView.h"
 #include "Shell/AppShell.h"
 #include "Shell/Notices.h"
@@ -249,7 +249,7 @@ TEST_F(ApprovalsWindow, thePanelTellsTheDayAndWhatIsWrongWithTheWebAccount)
     ASSERT_FALSE(screens.panel->glance().isEmpty());
     QMetaObject::invokeMethod(item(u"panel.glance"_s), "clicked");
     EXPECT_FALSE(panel.isShown());
-    EXPECT_NE(inbox.person()->selectedId(), QString());
+    EXPECT_NE(person.selectedId(), QString());
 }
 
 TEST(PanelPlace, itStandsBesideThePressAndInsideTheScreen)

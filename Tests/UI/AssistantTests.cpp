@@ -1,13 +1,14 @@
 #include "Engines/EngineManager.h"
 #include "Foundation/Json.h"
 #include "Foundation/Literals.h"
-#include "Inbox/InboxView.h"
+#include "Inbox/OpenPerson.h"
+#include "Inbox/Reply.h"
 #include "Platform/Linux/Models/LoopbackLanguageModel.h"
 #include "Settings/IntegrationsView.h"
 #include "Shell/AppShell.h"
 #include "Support/Await.h"
 #include "Support/LoopbackWeb.h"
-#include "WindowTest.h"
+#include "UI/WindowTest.h"
 
 #include <QJsonArray>
 
@@ -58,7 +59,7 @@ protected:
     {
         start();
         showInbox();
-        inbox.person()->select(u"ct:WHATSAPP:49171@s.whatsapp.net"_s);
+        person.select(u"ct:WHATSAPP:49171@s.whatsapp.net"_s);
         rest();
     }
 
@@ -101,7 +102,7 @@ protected:
         EXPECT_TRUE(focusWithin(objectName)) << qPrintable(objectName);
     }
 
-    const QJsonObject reply { { "body", "Yes, the whole morning. Petra Lindqvist comes along." },
+    const QJsonObject answer { { "body", "Yes, the whole morning. Petra Lindqvist comes along." },
         { "intent", "draft_reply" }, { "citations", QJsonArray { "M1" } }, { "warnings", QJsonArray() },
         { "send_side_effect", false } };
 };
@@ -110,16 +111,16 @@ protected:
 
 TEST_F(AssistantWindow, aReplyIsDraftedShortenedTranslatedAndTakenWithKeysAlone)
 {
-    says(reply);
+    says(answer);
     choose(1);
     waitFor(u"draftPreview.accept"_s);
     EXPECT_EQ(words(u"draftPreview.text"_s), u"Yes, the whole morning. Petra Lindqvist comes along."_s);
     EXPECT_TRUE(shows(u"Composer draft only · small:1b (Ollama)"_s));
     EXPECT_TRUE(shows(u"Not in the local context: Petra Lindqvist"_s));
-    EXPECT_EQ(inbox.reply()->composer()->text(), u""_s) << "a draft is a proposal";
+    EXPECT_EQ(reply.composer()->text(), u""_s) << "a draft is a proposal";
     walkTo(u"draftPreview.accept"_s);
     press(Qt::Key_Return);
-    EXPECT_EQ(inbox.reply()->composer()->text(), reply.value(u"body"_s).toString());
+    EXPECT_EQ(reply.composer()->text(), answer.value(u"body"_s).toString());
     EXPECT_TRUE(focusWithin(u"composer"_s));
     item(u"draftTaken"_s);
 
@@ -128,7 +129,7 @@ TEST_F(AssistantWindow, aReplyIsDraftedShortenedTranslatedAndTakenWithKeysAlone)
     waitFor(u"draftPreview.replace"_s);
     EXPECT_TRUE(shows(u"Shorten"_s));
     click(u"draftPreview.replace"_s);
-    EXPECT_EQ(inbox.reply()->composer()->text(), u"Yes, all morning."_s);
+    EXPECT_EQ(reply.composer()->text(), u"Yes, all morning."_s);
 
     rewrites(u"Ja, den ganzen Morgen."_s);
     choose(5, 3);
@@ -142,10 +143,10 @@ TEST_F(AssistantWindow, aReplyIsDraftedShortenedTranslatedAndTakenWithKeysAlone)
             .toString()
             .contains(u"Translate the draft to German"_s));
     click(u"draftPreview.undo"_s);
-    EXPECT_EQ(inbox.reply()->composer()->text(), reply.value(u"body"_s).toString()) << "as before the last one taken";
+    EXPECT_EQ(reply.composer()->text(), answer.value(u"body"_s).toString()) << "as before the last one taken";
     EXPECT_TRUE(focusWithin(u"composer"_s));
     click(u"draftPreview.accept"_s);
-    EXPECT_EQ(inbox.reply()->composer()->text(), reply.value(u"body"_s).toString() + u"\n\nJa, den ganzen Morgen."_s);
+    EXPECT_EQ(reply.composer()->text(), answer.value(u"body"_s).toString() + u"\n\nJa, den ganzen Morgen."_s);
 }
 
 TEST_F(AssistantWindow, aServerThatStallsHoldsNothingUpAndCancelEndsItsWork)
@@ -157,7 +158,7 @@ TEST_F(AssistantWindow, aServerThatStallsHoldsNothingUpAndCancelEndsItsWork)
     EXPECT_TRUE(shows(u"Drafting with small:1b (Ollama)"_s));
     press(Qt::Key_R);
     type(u"meanwhile"_s);
-    EXPECT_EQ(inbox.reply()->composer()->text(), u"meanwhile"_s);
+    EXPECT_EQ(reply.composer()->text(), u"meanwhile"_s);
     walkTo(u"draftPreview.dismiss"_s);
     EXPECT_EQ(focused()->property("text"), u"Cancel"_s);
     press(Qt::Key_Return);
@@ -172,7 +173,7 @@ TEST_F(AssistantWindow, aServerThatStallsHoldsNothingUpAndCancelEndsItsWork)
     walkTo(u"summary.dismiss"_s);
     press(Qt::Key_Escape);
     EXPECT_TRUE(await([&] { return web.openConnections() == 0; }));
-    EXPECT_EQ(inbox.person()->selectedId(), u"ct:WHATSAPP:49171@s.whatsapp.net"_s) << "one level, not two";
+    EXPECT_EQ(person.selectedId(), u"ct:WHATSAPP:49171@s.whatsapp.net"_s) << "one level, not two";
 }
 
 TEST_F(AssistantWindow, aCitationLeadsToItsMessageAndLongTextsLeaveRoomForTheThread)
@@ -181,19 +182,19 @@ TEST_F(AssistantWindow, aCitationLeadsToItsMessageAndLongTextsLeaveRoomForTheThr
     says(u"- Situation: **Ana** had a long morning [M1, M2].\n"_s + u"- Key point: it went on [M3].\n"_s.repeated(40));
     choose(2);
     waitFor(u"citation.M1"_s);
-    says(QJsonObject(reply));
+    says(QJsonObject(answer));
     choose(1);
     waitFor(u"draftPreview.accept"_s);
     EXPECT_GT(item(u"thread.list"_s)->height(), 80);
     EXPECT_TRUE(words(u"summary.text"_s).startsWith(u"• Situation: <b>Ana</b> had a long morning [<a href=\""_s));
 
-    inbox.reply()->assistant()->dismiss();
+    reply.assistant()->dismiss();
     rest();
     walkTo(u"summary.dismiss"_s);
     while (!focusWithin(u"citation.M1"_s) && focusWithin(u"summary"_s))
         press(Qt::Key_Tab);
     press(Qt::Key_Return);
-    EXPECT_EQ(inbox.person()->thread()->highlightId(), u"wa:msg:m6"_s) << "the oldest of the thread";
+    EXPECT_EQ(person.thread()->highlightId(), u"wa:msg:m6"_s) << "the oldest of the thread";
 }
 
 TEST_F(AssistantWindow, withoutAServerEachPlaceSaysSoAndShowsTheWayOn)
@@ -218,7 +219,7 @@ TEST_F(AssistantWindow, withoutAServerEachPlaceSaysSoAndShowsTheWayOn)
     EXPECT_EQ(words(u"askLumo.text"_s), u"A long morning."_s);
     press(Qt::Key_Escape);
 
-    says(reply);
+    says(answer);
     walkTo(u"draftPreview.again"_s);
     press(Qt::Key_Return);
     waitFor(u"draftPreview.accept"_s);

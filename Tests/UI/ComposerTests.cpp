@@ -3,12 +3,13 @@
 #include "Engines/DraftDelivery.h"
 #include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
-#include "Inbox/InboxView.h"
+#include "Inbox/OpenPerson.h"
+#include "Inbox/Reply.h"
 #include "Settings/IntegrationsView.h"
 #include "Store/Approvals/OutboundQueries.h"
 #include "Store/Messages/IngestQueries.h"
 #include "Support/Await.h"
-#include "WindowTest.h"
+#include "UI/WindowTest.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -24,7 +25,7 @@ protected:
     ComposerWindow()
     {
         showInbox();
-        inbox.person()->select(u"ct:WHATSAPP:49171@s.whatsapp.net"_s);
+        person.select(u"ct:WHATSAPP:49171@s.whatsapp.net"_s);
         rest();
     }
 
@@ -64,7 +65,7 @@ TEST_F(ComposerWindow, aReplyIsTypedAndSentWithKeysAlone)
     type(u"jk e"_s);
     press(Qt::Key_Return);
     type(u"m?"_s);
-    EXPECT_EQ(inbox.reply()->composer()->text(), u"jk e\nm?"_s) << "letters are text here, not commands";
+    EXPECT_EQ(reply.composer()->text(), u"jk e\nm?"_s) << "letters are text here, not commands";
     const double low = item(u"composer"_s)->height();
     for (int i = 0; i < 20; ++i)
         press(Qt::Key_Return);
@@ -73,11 +74,11 @@ TEST_F(ComposerWindow, aReplyIsTypedAndSentWithKeysAlone)
     EXPECT_LT(high, 200) << "eight lines, then it scrolls";
     press(Qt::Key_Return, Qt::ControlModifier);
     EXPECT_EQ(sent(), QStringList(u"jk e\nm?"_s));
-    EXPECT_EQ(inbox.reply()->composer()->text(), u""_s);
+    EXPECT_EQ(reply.composer()->text(), u""_s);
     EXPECT_TRUE(focusWithin(u"composer"_s));
 
     settings.system()->setReturnSends(true);
-    EXPECT_TRUE(inbox.reply()->composer()->hints()->placeholder().endsWith(u" · Return sends"_s));
+    EXPECT_TRUE(reply.composer()->hints()->placeholder().endsWith(u" · Return sends"_s));
     type(u"by"_s);
     press(Qt::Key_Return, Qt::ShiftModifier);
     type(u"choice"_s);
@@ -94,8 +95,8 @@ TEST_F(ComposerWindow, aCopiedFileAndPictureArePastedAndASubjectIsTypedWhereTheC
     settle();
     rest();
     ASSERT_NE(item(u"composer.attach"_s), nullptr);
-    inbox.reply()->composer()->requestFocus();
-    Attachments& attachments = *inbox.reply()->composer()->attachments();
+    reply.composer()->requestFocus();
+    Attachments& attachments = *reply.composer()->attachments();
     const auto paste = [&](QMimeData* copied, qsizetype count) {
         QGuiApplication::clipboard()->setMimeData(copied);
         press(Qt::Key_V, Qt::ControlModifier);
@@ -117,9 +118,9 @@ TEST_F(ComposerWindow, aCopiedFileAndPictureArePastedAndASubjectIsTypedWhereTheC
     auto* const words = new QMimeData;
     words->setText(u"words"_s);
     QGuiApplication::clipboard()->setMimeData(words);
-    inbox.reply()->composer()->requestFocus();
+    reply.composer()->requestFocus();
     press(Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(inbox.reply()->composer()->text(), u"words"_s);
+    EXPECT_EQ(reply.composer()->text(), u"words"_s);
     item(u"composer.subject"_s)->forceActiveFocus();
     type(u"Plans"_s);
     press(Qt::Key_Return);
@@ -159,15 +160,15 @@ TEST_F(ComposerWindow, whatIsTypedStaysWithItsPerson)
 {
     centre.post(notifications::focusComposer);
     type(u"to Ana"_s);
-    inbox.person()->select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
+    person.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
     rest();
-    EXPECT_EQ(inbox.reply()->composer()->text(), u""_s);
+    EXPECT_EQ(reply.composer()->text(), u""_s);
     type(u"to Ben"_s);
-    inbox.person()->select(u"ct:WHATSAPP:49171@s.whatsapp.net"_s);
+    person.select(u"ct:WHATSAPP:49171@s.whatsapp.net"_s);
     rest();
-    EXPECT_EQ(inbox.reply()->composer()->text(), u"to Ana"_s);
+    EXPECT_EQ(reply.composer()->text(), u"to Ana"_s);
     EXPECT_EQ(item(u"composer"_s)->property("text"), u"to Ana"_s);
-    inbox.person()->select({});
+    person.select({});
     rest();
     EXPECT_EQ(findItem(u"composer"_s), nullptr);
 }
@@ -175,13 +176,13 @@ TEST_F(ComposerWindow, whatIsTypedStaysWithItsPerson)
 TEST_F(ComposerWindow, anErrorAndAVoiceNoteShowAboveTheField)
 {
     engines.stop(*accounts.findBySlug(u"studio"_s));
-    inbox.reply()->composer()->setText(u"hello"_s);
+    reply.composer()->setText(u"hello"_s);
     rest();
     EXPECT_TRUE(differsFromBefore());
     click(u"composer.send"_s);
     item(u"composer.error"_s);
     EXPECT_TRUE(differsFromBefore());
-    inbox.reply()->composer()->dismissError();
+    reply.composer()->dismissError();
 
     click(u"composer.voice"_s);
     microphone.answer(MicrophoneAccess::Granted);
@@ -193,7 +194,7 @@ TEST_F(ComposerWindow, anErrorAndAVoiceNoteShowAboveTheField)
     click(u"composer.sendVoice"_s);
     item(u"composer.error"_s);
     click(u"composer.discardVoice"_s);
-    EXPECT_TRUE(inbox.reply()->composer()->voice()->note()->idle());
+    EXPECT_TRUE(reply.composer()->voice()->note()->idle());
     EXPECT_EQ(item(u"composer"_s)->property("text"), u"hello"_s);
 }
 
@@ -245,7 +246,7 @@ TEST_F(ComposerWindow, aMessageToSomebodyNewIsQueued)
     EXPECT_EQ(item(u"newMessage.message"_s)->property("text"), u"Good day"_s) << "what was typed stays";
     click(u"newMessage.submit"_s);
     EXPECT_EQ(findItem(u"newMessage"_s), nullptr);
-    EXPECT_EQ(inbox.person()->selectedId(), u"ct:WHATSAPP:4917012345@s.whatsapp.net"_s);
+    EXPECT_EQ(person.selectedId(), u"ct:WHATSAPP:4917012345@s.whatsapp.net"_s);
     EXPECT_EQ(screens.drafts->count(), 1);
     EXPECT_EQ(sent(), QStringList());
 

@@ -1,9 +1,10 @@
 #include "Engines/EngineManager.h"
 #include "Foundation/Literals.h"
-#include "Inbox/InboxView.h"
+#include "Inbox/List/ContactListView.h"
+#include "Inbox/OpenPerson.h"
 #include "Shell/AppShell.h"
 #include "Store/People/ContactInfo.h"
-#include "WindowTest.h"
+#include "UI/WindowTest.h"
 
 namespace corvane {
 
@@ -22,7 +23,7 @@ protected:
 
     void select(const QString& contactId)
     {
-        inbox.person()->select(contactId);
+        person.select(contactId);
         clock.advance(Milliseconds(600)); // suggestions appear after a pause
         rest();
     }
@@ -50,7 +51,7 @@ protected:
 
     const QString ana = u"ct:WHATSAPP:49171@s.whatsapp.net"_s;
     const QString ben = u"ct:WHATSAPP:49172@s.whatsapp.net"_s;
-    CRMPane& pane = *inbox.person()->crm();
+    CRMPane& pane = *person.crm();
 
 private:
     FakeChild& m_otherPhone = startEngine(u"Other phone"_s);
@@ -60,20 +61,20 @@ private:
 
 TEST_F(ContactPaneWindow, twoContactsAreMergedAndBothWaysBackWork)
 {
-    const int people = inbox.list()->contacts()->rowCount();
+    const int people = contacts.contacts()->rowCount();
     click(u"contact.merge"_s);
-    EXPECT_EQ(inbox.list()->contacts()->rowCount(), people - 1);
+    EXPECT_EQ(contacts.contacts()->rowCount(), people - 1);
     EXPECT_EQ(findItem(u"contact.merge"_s), nullptr);
     click(u"inbox.undo"_s);
-    EXPECT_EQ(inbox.list()->contacts()->rowCount(), people);
+    EXPECT_EQ(contacts.contacts()->rowCount(), people);
 
     click(u"contact.merge"_s);
     newNumberWrites();
     clock.advance(Milliseconds(600));
     rest();
-    EXPECT_EQ(inbox.list()->contacts()->rowCount(), people - 1) << "they stay one person";
+    EXPECT_EQ(contacts.contacts()->rowCount(), people - 1) << "they stay one person";
     click(u"contact.unmerge"_s);
-    EXPECT_EQ(inbox.list()->contacts()->rowCount(), people);
+    EXPECT_EQ(contacts.contacts()->rowCount(), people);
     item(u"contact.merge"_s);
 
     click(u"contact.dismissMerge"_s);

@@ -21,19 +21,19 @@ TEST_F(KeyboardTest, theListIsWalkedReadAndLeftWithKeysAlone)
     EXPECT_TRUE(focusWithin(u"inbox.list"_s));
 
     press(Qt::Key_Down);
-    EXPECT_EQ(inbox.person()->selected().name, u"Ana Ruiz"_s);
+    EXPECT_EQ(person.selected().name, u"Ana Ruiz"_s);
     press(Qt::Key_J);
-    EXPECT_EQ(inbox.person()->selected().name, u"Ben"_s);
+    EXPECT_EQ(person.selected().name, u"Ben"_s);
     press(Qt::Key_K);
     press(Qt::Key_Up);
-    EXPECT_EQ(inbox.person()->selected().name, u"Ana Ruiz"_s);
+    EXPECT_EQ(person.selected().name, u"Ana Ruiz"_s);
 
     press(Qt::Key_Return);
     EXPECT_TRUE(focusWithin(u"thread.list"_s));
     press(Qt::Key_Escape);
     EXPECT_TRUE(focusWithin(u"inbox.list"_s));
     press(Qt::Key_Escape);
-    EXPECT_EQ(inbox.person()->selectedId(), QString());
+    EXPECT_EQ(person.selectedId(), QString());
 }
 
 TEST_F(KeyboardTest, tabLeavesTheNewestMessageForTheReplyAndUpLeadsToWhatIsOlder)
@@ -78,11 +78,11 @@ TEST_F(KeyboardTest, aMessageIsActedOnWithKeysAlone)
     EXPECT_EQ(player.current, AudioPlayer::State::Paused);
 
     press(Qt::Key_Up);
-    const int rows = inbox.person()->thread()->rows()->rowCount();
+    const int rows = person.thread()->rows()->rowCount();
     press(Qt::Key_Delete);
-    EXPECT_EQ(inbox.person()->thread()->rows()->rowCount(), rows - 1);
+    EXPECT_EQ(person.thread()->rows()->rowCount(), rows - 1);
     press(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(inbox.person()->thread()->rows()->rowCount(), rows);
+    EXPECT_EQ(person.thread()->rows()->rowCount(), rows);
 
     press(Qt::Key_Up);
     press(Qt::Key_Return);
@@ -106,15 +106,15 @@ TEST_F(KeyboardTest, aConversationIsMutedArchivedAndBroughtBackWithKeys)
 {
     showInbox();
     press(Qt::Key_Down);
-    const QString ana = inbox.person()->selectedId();
+    const QString ana = person.selectedId();
 
     press(Qt::Key_M);
-    EXPECT_TRUE(inbox.person()->selected().isMuted);
+    EXPECT_TRUE(person.selected().isMuted);
     press(Qt::Key_E);
-    EXPECT_EQ(inbox.list()->contacts()->rowCount(), 5);
+    EXPECT_EQ(contacts.contacts()->rowCount(), 5);
     EXPECT_NE(findItem(u"inbox.undo"_s), nullptr);
     press(Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(inbox.list()->contacts()->rowCount(), 6);
+    EXPECT_EQ(contacts.contacts()->rowCount(), 6);
     EXPECT_EQ(findItem(u"inbox.undo"_s), nullptr);
 }
 
@@ -129,7 +129,7 @@ TEST_F(KeyboardTest, rowsArePickedWithTheSpaceBarAndActedOnTogether)
     item(u"bulk.archive"_s);
 
     press(Qt::Key_E);
-    EXPECT_EQ(inbox.list()->contacts()->rowCount(), 4);
+    EXPECT_EQ(contacts.contacts()->rowCount(), 4);
     EXPECT_EQ(findItem(u"bulk.archive"_s), nullptr);
 
     press(Qt::Key_A, Qt::ControlModifier);
@@ -145,19 +145,19 @@ TEST_F(KeyboardTest, thePaletteFindsAPersonAndLettersInItMoveNothingElse)
     ASSERT_TRUE(focusWithin(u"palette.query"_s));
 
     type(u"je"_s); // J and E would otherwise move on and archive
-    EXPECT_EQ(inbox.list()->contacts()->rowCount(), 6);
+    EXPECT_EQ(contacts.contacts()->rowCount(), 6);
     press(Qt::Key_Backspace);
     press(Qt::Key_Backspace);
     type(u"ben"_s);
     press(Qt::Key_Return);
     EXPECT_FALSE(inbox.showPalette());
-    EXPECT_EQ(inbox.person()->selected().name, u"Ben"_s);
+    EXPECT_EQ(person.selected().name, u"Ben"_s);
 
     press(Qt::Key_K, Qt::ControlModifier);
-    EXPECT_EQ(inbox.palette()->query(), QString());
+    EXPECT_EQ(palette.query(), QString());
     press(Qt::Key_Escape);
     EXPECT_FALSE(inbox.showPalette());
-    EXPECT_EQ(inbox.person()->selected().name, u"Ben"_s);
+    EXPECT_EQ(person.selected().name, u"Ben"_s);
 }
 
 TEST_F(KeyboardTest, searchTakesTheLettersAndGivesTheListBack)
@@ -168,8 +168,8 @@ TEST_F(KeyboardTest, searchTakesTheLettersAndGivesTheListBack)
     type(u"invoice"_s);
     clock.advance(Milliseconds(300));
     rest();
-    EXPECT_EQ(inbox.list()->contacts()->rowCount(), 1);
-    EXPECT_EQ(inbox.list()->results()->messages()->rowCount(), 1);
+    EXPECT_EQ(contacts.contacts()->rowCount(), 1);
+    EXPECT_EQ(contacts.results()->messages()->rowCount(), 1);
 
     press(Qt::Key_Down);
     EXPECT_TRUE(focusWithin(u"inbox.list"_s));
@@ -190,7 +190,7 @@ TEST_F(KeyboardTest, aSearchLeadsToTheNoteOfAPersonAndToTheDayOfAnEvent)
         type(words);
         clock.advance(Milliseconds(300));
         rest();
-        ASSERT_EQ(inbox.list()->results()->records()->rowCount(), 1);
+        ASSERT_EQ(contacts.results()->records()->rowCount(), 1);
         press(Qt::Key_Down);
         EXPECT_TRUE(focusWithin(u"inbox.list"_s));
         press(Qt::Key_Down);
@@ -198,7 +198,7 @@ TEST_F(KeyboardTest, aSearchLeadsToTheNoteOfAPersonAndToTheDayOfAnEvent)
         rest();
     };
     openOnly(u"kiln wash"_s);
-    EXPECT_EQ(inbox.person()->selected().name, u"Ana Ruiz"_s);
+    EXPECT_EQ(person.selected().name, u"Ana Ruiz"_s);
     EXPECT_TRUE(focusWithin(u"contact.section.notes"_s));
     openOnly(u"open the"_s);
     EXPECT_EQ(shell.selectedNav(), u"calendar"_s);

@@ -13,8 +13,8 @@ TEST_F(ListTest, rowsArePickedWithCtrlAndShiftAndHaveAMenu)
 {
     showInbox();
     const auto row = [this](int index) {
-        const QAbstractItemModel* contacts = inbox.list()->contacts();
-        return u"contact:"_s + contacts->index(index, 0).data(contacts->roleNames().key("id")).toString();
+        const QAbstractItemModel* const rows = contacts.contacts();
+        return u"contact:"_s + rows->index(index, 0).data(rows->roleNames().key("id")).toString();
     };
     const auto press = [&](int index, Qt::MouseButton button, Qt::KeyboardModifiers modifiers) {
         const QQuickItem* target = item(row(index));
@@ -26,10 +26,10 @@ TEST_F(ListTest, rowsArePickedWithCtrlAndShiftAndHaveAMenu)
         return inbox.actions()->bulk()->ids().size();
     };
     press(0, Qt::LeftButton, Qt::NoModifier);
-    const QString open = inbox.person()->selectedId();
+    const QString open = person.selectedId();
     press(2, Qt::LeftButton, Qt::ControlModifier);
     EXPECT_EQ(picked(), 2) << "the open one and this one";
-    EXPECT_EQ(inbox.person()->selectedId(), open);
+    EXPECT_EQ(person.selectedId(), open);
     press(4, Qt::LeftButton, Qt::ShiftModifier);
     EXPECT_EQ(picked(), 4);
     press(2, Qt::LeftButton, Qt::ControlModifier);
@@ -44,10 +44,8 @@ TEST_F(ListTest, rowsArePickedWithCtrlAndShiftAndHaveAMenu)
     press(0, Qt::RightButton, Qt::NoModifier);
     click(u"contactMenu.read"_s);
     EXPECT_EQ(engines.unreadTotal() > 0, true);
-    EXPECT_EQ(inbox.person()->selectedId(), u""_s) << "an open thread would count as read again";
-    EXPECT_EQ(
-        inbox.list()->contacts()->index(0, 0).data(inbox.list()->contacts()->roleNames().key("unread")).toString(),
-        u"1"_s);
+    EXPECT_EQ(person.selectedId(), u""_s) << "an open thread would count as read again";
+    EXPECT_EQ(contacts.contacts()->index(0, 0).data(contacts.contacts()->roleNames().key("unread")).toString(), u"1"_s);
 }
 
 TEST_F(ListTest, theListKeepsItsPlaceAndSaysWhatCameInAboveIt)
@@ -60,7 +58,7 @@ TEST_F(ListTest, theListKeepsItsPlaceAndSaysWhatCameInAboveIt)
     QQuickItem* list = item(u"inbox.list"_s);
     list->setProperty("contentY", list->property("contentY").toReal() + 900);
     rest();
-    EXPECT_FALSE(inbox.list()->atTop());
+    EXPECT_FALSE(contacts.atTop());
     const auto place = [this](const QString& name) {
         const QQuickItem* row = item(u"contact:ct:WHATSAPP:"_s + name);
         return row ? row->mapToScene(QPointF(0, 0)).y() : -1;
@@ -70,10 +68,10 @@ TEST_F(ListTest, theListKeepsItsPlaceAndSaysWhatCameInAboveIt)
     receive(engine, u"49999@s.whatsapp.net"_s, u"Somebody new"_s, u"hi"_s);
     rest();
     EXPECT_EQ(place(u"493012@s.whatsapp.net"_s), before);
-    EXPECT_EQ(inbox.list()->newAbove(), u"2 new above"_s);
+    EXPECT_EQ(contacts.newAbove(), u"2 new above"_s);
     click(u"inbox.newAbove"_s);
-    EXPECT_TRUE(inbox.list()->atTop());
-    EXPECT_EQ(inbox.list()->newAbove(), QString());
+    EXPECT_TRUE(contacts.atTop());
+    EXPECT_EQ(contacts.newAbove(), QString());
 }
 
 }

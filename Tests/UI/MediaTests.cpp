@@ -1,5 +1,5 @@
 #include "Foundation/Literals.h"
-#include "Inbox/InboxView.h"
+#include "Inbox/OpenPerson.h"
 #include "Support/Await.h"
 #include "UI/WindowTest.h"
 
@@ -21,7 +21,7 @@ TEST_F(MediaTest, aPictureShowsInItsOwnRatioWhateverItsFileIsCalled)
     showInbox();
     receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, u"the label"_s,
         { { "mediaType", "image" }, { "mediaPath", path } });
-    inbox.person()->select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
+    person.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
     rest();
     QQuickItem* photo = item(u"media.photo"_s);
     ASSERT_NE(photo, nullptr);
@@ -51,7 +51,7 @@ TEST_F(MediaTest, aPictureThatCannotBeShownSaysWhyInItsFrame)
         receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, {},
             { { "mediaType", "image" }, { "mediaPath", path(name) } });
     ASSERT_TRUE(QFile::link(home.path(u"secret.png"_s), path(u"link.png"_s)));
-    inbox.person()->select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
+    person.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
     const auto isShown = [this](const QString& text) {
         return std::ranges::any_of(
             visibleItems(), [&](QQuickItem* each) { return each->property("text").toString() == text; });
@@ -81,7 +81,7 @@ TEST_F(MediaTest, aVoiceNoteShowsItsNameLengthAndShapeBeforeItIsPlayedAndAPipeAs
         { { "type", "avatar" }, { "jid", "49172@s.whatsapp.net" }, { "path", pipe } });
     receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, {},
         { { "mediaType", "audio" }, { "mediaPath", path } });
-    inbox.person()->select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
+    person.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
     EXPECT_TRUE(await([&] {
         rest();
         const QQuickItem* length = findItem(u"thread.voiceLength"_s);

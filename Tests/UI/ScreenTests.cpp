@@ -319,7 +319,7 @@ TEST_F(ScreenTest, olderMessagesComeInAboveAndWhatIsReadStaysInItsPlace)
     EXPECT_GE(thread->property("count").toInt(), loaded + 50);
     EXPECT_NEAR(placeOf(u"Message 0 of a long morning"_s), atTop, 1);
 
-    inbox.person()->openHit(u"wa:msg:m25"_s);
+    person.openHit(u"wa:msg:m25"_s);
     rest();
     const QString read = u"Message 19 of a long morning"_s;
     const double inTheMiddle = placeOf(read);
@@ -327,8 +327,8 @@ TEST_F(ScreenTest, olderMessagesComeInAboveAndWhatIsReadStaysInItsPlace)
     receiveOlder();
     EXPECT_NEAR(placeOf(read), inTheMiddle, 1);
 
-    inbox.reply()->composer()->setText(u"what is said is seen"_s);
-    inbox.reply()->composer()->send();
+    reply.composer()->setText(u"what is said is seen"_s);
+    reply.composer()->send();
     rest();
     EXPECT_TRUE(thread->property("atYEnd").toBool());
 }
@@ -371,7 +371,7 @@ SELECT 'old' || i, (SELECT id FROM unified_conversation WHERE external_id='49171
     clock.advance(seconds(2));
     rest();
     EXPECT_EQ(engines.unreadTotal(), unread + 1) << "nobody has seen it";
-    inbox.person()->jumpTo(u"old2750"_s);
+    person.jumpTo(u"old2750"_s);
     rest();
     EXPECT_TRUE(inSight().contains(u"old2750"_s));
     thread->forceActiveFocus(Qt::TabFocusReason);
@@ -398,13 +398,13 @@ TEST_F(ScreenTest, aListAtItsTopShowsWhoWritesAndOneThatIsScrolledStaysPut)
     EXPECT_TRUE(list->property("atYBeginning").toBool());
 
     press(Qt::Key_Down);
-    EXPECT_EQ(inbox.person()->selected().name, u"Person 129"_s);
+    EXPECT_EQ(person.selected().name, u"Person 129"_s);
     write(100);
     EXPECT_TRUE(list->property("atYBeginning").toBool()) << "the open row moves, the view stays";
 
     for (int i = 0; i < 25; ++i)
         press(Qt::Key_Down);
-    const QString open = inbox.person()->selectedId();
+    const QString open = person.selectedId();
     const auto placeOfOpenRow = [&] {
         for (QQuickItem* row : visibleItems()) {
             if (row->objectName() == u"contact:"_s + open)
@@ -425,10 +425,10 @@ TEST_F(ScreenTest, aFoundMessageIsScrolledIntoSight)
     inbox.filters()->setSearch(u"Message 3 of"_s);
     clock.advance(Milliseconds(300));
     rest();
-    const QAbstractItemModel* hits = inbox.list()->results()->messages();
+    const QAbstractItemModel* hits = contacts.results()->messages();
     ASSERT_EQ(hits->rowCount(), 1);
     const int idRole = hits->roleNames().key("id");
-    inbox.person()->openHit(hits->index(0, 0).data(idRole).toString());
+    person.openHit(hits->index(0, 0).data(idRole).toString());
     rest();
 
     QQuickItem* thread = item(u"thread.list"_s);

@@ -1,12 +1,13 @@
 #include "Foundation/Literals.h"
-#include "Inbox/InboxView.h"
+#include "Inbox/OpenPerson.h"
+#include "Inbox/Reply.h"
 #include "Settings/IntegrationsView.h"
 #include "Shell/AppShell.h"
 #include "Support/Await.h"
 #include "Support/SpokenSound.h"
 #include "UI/DictationWindow.h"
+#include "UI/WindowTest.h"
 #include "Voice/DictationAnywhere.h"
-#include "WindowTest.h"
 
 #include <QClipboard>
 #include <QDir>
@@ -30,7 +31,7 @@ protected:
         showInbox();
         receive(*launcher.children.first(), u"49172@s.whatsapp.net"_s, u"Ben"_s, {},
             { { "mediaType", "audio" }, { "mediaPath", note } });
-        inbox.person()->select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
+        person.select(u"ct:WHATSAPP:49172@s.whatsapp.net"_s);
         rest();
     }
 
@@ -60,7 +61,7 @@ TEST_F(VoiceWindow, aVoiceNoteIsTranscribedAndReadAloud)
 
 TEST_F(VoiceWindow, aReplyIsDictatedAtTheCursorAndEscLeavesIt)
 {
-    inbox.reply()->composer()->setText(u"Yes.  See you."_s);
+    reply.composer()->setText(u"Yes.  See you."_s);
     press(Qt::Key_R);
     for (int i = 0; i < 9; ++i)
         press(Qt::Key_Left);
@@ -74,21 +75,20 @@ TEST_F(VoiceWindow, aReplyIsDictatedAtTheCursorAndEscLeavesIt)
     click(u"dictation.finish"_s);
     ASSERT_TRUE(await([&] {
         rest();
-        return inbox.reply()->composer()->text().size() > 20;
+        return reply.composer()->text().size() > 20;
     }));
-    EXPECT_TRUE(inbox.reply()->composer()->text().startsWith(u"Yes. he "_s))
-        << qPrintable(inbox.reply()->composer()->text());
-    EXPECT_TRUE(inbox.reply()->composer()->text().endsWith(u" See you."_s));
+    EXPECT_TRUE(reply.composer()->text().startsWith(u"Yes. he "_s)) << qPrintable(reply.composer()->text());
+    EXPECT_TRUE(reply.composer()->text().endsWith(u" See you."_s));
     EXPECT_TRUE(focusWithin(u"composer"_s));
 
     press(Qt::Key_D, Qt::ControlModifier | Qt::ShiftModifier);
     microphone.answer(MicrophoneAccess::Granted);
     rest();
     press(Qt::Key_Escape);
-    EXPECT_EQ(inbox.reply()->composer()->voice()->dictation()->stateWord(), u"idle"_s);
+    EXPECT_EQ(reply.composer()->voice()->dictation()->stateWord(), u"idle"_s);
     EXPECT_TRUE(focusWithin(u"composer"_s));
 
-    const ComposerDictation& dictation = *inbox.reply()->composer()->voice()->dictation();
+    const ComposerDictation& dictation = *reply.composer()->voice()->dictation();
     const QPoint button = item(u"composer.dictate"_s)->mapToScene(QPointF(8, 8)).toPoint();
     QGuiApplication::styleHints()->setMousePressAndHoldInterval(0);
     QTest::mousePress(front(), Qt::LeftButton, {}, button);

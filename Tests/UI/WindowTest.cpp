@@ -73,6 +73,9 @@ QStringList Warnings::seen()
 
 WindowTest::WindowTest(std::unique_ptr<SystemLanguageModel> other)
     : machine(windowMachine(home.paths(), clock, std::move(other)))
+    , contacts(*inbox.list())
+    , person(*inbox.person())
+    , palette(*inbox.palette())
 {
     desktop.setAppearance(ColourScheme::Light, true);
     approvals.attach(delivery, app.recordedCalls());
@@ -133,7 +136,7 @@ void WindowTest::receive(
 
 void WindowTest::rest()
 {
-    EXPECT_TRUE(await([this] { return !inbox.list()->results()->pending(); }));
+    EXPECT_TRUE(await([this] { return !contacts.results()->pending(); }));
     for (int turn = 0; turn < 4; ++turn) {
         clock.advance(Milliseconds(120));
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -20,12 +20,16 @@ class AccountStore;
 class AppShell;
 class Appearance;
 class ApprovalsStore;
+class CommandPalette;
+class ContactListView;
 class ContentView;
 class DraftDelivery;
 class EngineManager;
 class InboxView;
 class IntegrationsView;
+class OpenPerson;
 class ProfileMenu;
+class Reply;
 class SessionStore;
 class StoreRecovery;
 
@@ -132,6 +136,10 @@ protected:
     AppShell& shell = *screens.shell;
     ProfileMenu& profile = *screens.profile;
     InboxView& inbox = *screens.inbox;
+    ContactListView& contacts; ///< of the inbox, as are the next three
+    OpenPerson& person;
+    Reply& reply = *screens.reply;
+    CommandPalette& palette;
     IntegrationsView& settings = *screens.settings;
     MainWindow window { screens, defaults, app.decoder() };
 

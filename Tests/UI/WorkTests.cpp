@@ -1,7 +1,7 @@
 #include "Approvals/ApprovalsStore.h"
 #include "Dev/LumoScreen.h"
 #include "Foundation/Literals.h"
-#include "Inbox/InboxView.h"
+#include "Inbox/List/CommandPalette.h"
 #include "Support/Await.h"
 #include "UI/Terminals/TerminalItem.h"
 #include "UI/WindowTest.h"
@@ -84,7 +84,7 @@ TEST_F(WorkWindow, aPersonFilesAnInvoiceCheckDecidesAndReadsTheStory)
         << "filed, held, approved, what was said, and the other";
     press(Qt::Key_K, Qt::ControlModifier);
     type(u"clay"_s);
-    ASSERT_TRUE(await([&] { return inbox.palette()->items()->rowCount() > 1; }));
+    ASSERT_TRUE(await([&] { return palette.items()->rowCount() > 1; }));
     press(Qt::Key_Return);
     EXPECT_EQ(screens.ops->shell()->item()->title(), "Pay the clay") << "the palette finds it";
 }
