@@ -33,7 +33,7 @@ function faultsIn(file: string): Fault[] {
     readFileSync(join(tree, file), 'utf8').split('\n').forEach((before, index) => {
         if (/^\s*(\/\/|#|case |using |namespace|static_assert|constexpr|Q_ASSERT|Q_UNREACHABLE)/.test(before) || /u?"[^"]*(SELECT|UPDATE|INSERT)/.test(before))
             return;
-        const code = before.replace(/"(\\.|[^"\\])*"/g, (text) => ' '.repeat(text.length)); // no fault inside a text
+        const code = before.replace(/"(\\.|[^"\\])*"|\/\/.*$/g, (text) => ' '.repeat(text.length)); // no fault in texts and comments
         for (const [pattern, to] of flips) {
             const found = pattern.exec(code);
             if (found)
