@@ -94,7 +94,6 @@ void CallRecorder::start(const QString& title, const CallRecordingContext& conte
             return;
         if (access == MicrophoneAccess::Granted)
             return self->begin(title, context);
-        self->m_starting = false;
         self->fail(
             access == MicrophoneAccess::Denied ? u"Microphone access is denied."_s : u"No microphone was found."_s);
     });
