@@ -11,6 +11,7 @@
 #include "Foundation/Json.h"
 #include "Store/Approvals/ApprovalRecords.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Support/AccountNamed.h"
 #include "Support/EngineWorld.h"
 #include "Support/LogCapture.h"
 
@@ -140,13 +141,8 @@ const QList<Account>& accounts()
 {
     static const QList<Account> both = [] {
         QList<Account> result;
-        for (const QString& slug : { u"shop"_s, u"mail"_s }) {
-            Account account;
-            account.id = QUuid::createUuid();
-            account.name = account.slug = slug;
-            account.channelRaw = u"WHATSAPP"_s;
-            result.append(account);
-        }
+        for (const QString& slug : { u"shop"_s, u"mail"_s })
+            result.append(accountNamed(slug));
         return result;
     }();
     return both;

@@ -8,6 +8,7 @@
 #include "Platform/ProfileLock.h"
 #include "Platform/SecretFile.h"
 #include "Store/Approvals/ApprovalRecords.h"
+#include "Support/AccountNamed.h"
 #include "Support/Await.h"
 #include "Support/FakeDesktop.h"
 #include "Support/FakeKeyring.h"
@@ -30,10 +31,7 @@ class Backups : public StoreTest {
 protected:
     Backups()
     {
-        Account account;
-        account.id = QUuid::createUuid();
-        account.name = account.slug = u"shop"_s;
-        m_home.write("share/Corvane/accounts.json", encodeAccounts({ account }));
+        m_home.write("share/Corvane/accounts.json", encodeAccounts({ accountNamed(u"shop"_s) }));
         m_home.write("share/Corvane/media/shop/a.jpg", "picture");
         m_home.write("share/Corvane/Models/Speech/big.bin", "model");
         m_home.write("share/Corvane/mcp-token", "token");

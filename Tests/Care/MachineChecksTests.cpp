@@ -1,4 +1,5 @@
-#include "Care/Doctor/Checks.h"
+#include "Told.h"
+
 #include "Platform/Probes.h"
 #include "Support/Environment.h"
 #include "Support/StoreTest.h"
@@ -11,13 +12,6 @@
 using namespace corvane;
 
 namespace {
-
-/// The state, the sentence and the advice.
-QString told(const CheckResult& result)
-{
-    const Finding finding { {}, {}, result.health, result.words, result.advice, false };
-    return finding.state() + u'|' + finding.words + u'|' + finding.advice;
-}
 
 class MachineChecks : public StoreTest {
 protected:

@@ -1,4 +1,6 @@
-#include "Care/Doctor/Checks.h"
+#include "Support/AccountNamed.h"
+#include "Told.h"
+
 #include "Care/Doctor/Doctor.h"
 #include "Engines/AccountStore.h"
 #include "Platform/Probes.h"
@@ -13,13 +15,6 @@
 using namespace corvane;
 
 namespace {
-
-/// The state, the sentence and the advice.
-QString told(const CheckResult& result)
-{
-    const Finding finding { {}, {}, result.health, result.words, result.advice, false };
-    return finding.state() + u'|' + finding.words + u'|' + finding.advice;
-}
 
 class ProfileChecks : public StoreTest {
 protected:
@@ -155,12 +150,8 @@ TEST_F(ProfileChecks, placesThatAreOpenOrUnusableAreNamed)
 
 TEST_F(ProfileChecks, pausedAccountsAreCounted)
 {
-    Account shop;
-    shop.name = shop.slug = u"shop"_s;
-    shop.id = QUuid::createUuid();
-    Account studio = shop;
-    studio.id = QUuid::createUuid();
-    studio.name = studio.slug = u"studio"_s;
+    const Account shop = accountNamed(u"shop"_s);
+    Account studio = accountNamed(u"studio"_s);
     const auto with = [&](std::optional<bool> paused) {
         studio.paused = paused;
         m_home.write("share/Corvane/accounts.json", encodeAccounts({ shop, studio }));

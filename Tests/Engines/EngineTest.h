@@ -2,6 +2,7 @@
 
 #include "Engines/EngineProcesses.h"
 #include "Foundation/Literals.h"
+#include "Support/AccountNamed.h"
 #include "Support/EngineWorld.h"
 #include "Support/LogCapture.h"
 #include "Support/Print.h"
@@ -9,16 +10,6 @@
 #include <gtest/gtest.h>
 
 namespace corvane {
-
-inline Account accountNamed(const QString& slug, Channel channel = Channel::WhatsApp)
-{
-    Account account;
-    account.id = QUuid::createUuid();
-    account.name = slug;
-    account.slug = slug;
-    account.channelRaw = channelRaw(channel);
-    return account;
-}
 
 /// A manager with fake engines and one WhatsApp account, "shop".
 class EngineTest : public testing::Test {

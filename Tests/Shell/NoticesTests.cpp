@@ -9,6 +9,7 @@
 #include "Shell/Screens.h"
 #include "Store/Core/LocalDB.h"
 #include "Store/Core/StoreHealth.h"
+#include "Support/AccountNamed.h"
 #include "Support/Await.h"
 #include "Support/FakeCalendarSource.h"
 #include "Support/FakeMachine.h"
@@ -48,10 +49,7 @@ class NoticesTest : public testing::Test {
 protected:
     NoticesTest()
     {
-        Account account;
-        account.id = QUuid::createUuid();
-        account.name = account.slug = u"mail"_s;
-        account.channelRaw = u"EMAIL"_s;
+        Account account = accountNamed(u"mail"_s, Channel::Email);
         account.email = u"me@x.example"_s;
         home.write("share/Corvane/accounts.json", encodeAccounts({ account }));
         machine.tray = std::make_unique<MenuTray>();

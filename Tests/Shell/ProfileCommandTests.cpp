@@ -8,6 +8,7 @@
 #include "Shell/DoctorCommand.h"
 #include "Shell/ExchangeCommand.h"
 #include "Store/Messages/IngestQueries.h"
+#include "Support/AccountNamed.h"
 #include "Support/StoreTest.h"
 
 #include <QDir>
@@ -33,9 +34,7 @@ class ProfileAtTheTerminal : public StoreTest {
 protected:
     ProfileAtTheTerminal()
     {
-        Account account;
-        account.id = QUuid::createUuid();
-        account.name = account.slug = u"shop"_s;
+        Account account = accountNamed(u"shop"_s);
         account.email = u"me@shop.example"_s;
         m_home.write("share/Corvane/accounts.json", encodeAccounts({ account }));
         m_home.write("share/Corvane/media/shop/a.jpg", "picture");
